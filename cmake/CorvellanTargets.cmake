@@ -1,0 +1,52 @@
+# One target a folder: the linker then enforces who may know whom.
+
+add_library(corvellanOptions INTERFACE)
+target_compile_options(corvellanOptions INTERFACE -Wall -Wextra -Wpedantic -Werror=switch -Werror=return-type
+    -Wno-unknown-warning-option)
+target_compile_definitions(corvellanOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
+   )
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_link_options(corvellanOptions INTERFACE -fuse-ld=lld-19)
+endif()
+if(CORVELLAN_SANITIZE)
+    target_compile_options(corvellanOptions INTERFACE -fsanitize=${CORVELLAN_SANITIZE} -fno-omit-frame-pointer -g1)
+    target_link_options(corvellanOptions INTERFACE -fsanitize=${CORVELLAN_SANITIZE})
+    if(CORVELLAN_SANITIZE MATCHES "undefined")
+        target_compile_options(corvellanOptions INTERFACE -fno-sanitize-recover=undefined)
+    endif()
+endif()
+
+# corvellan_library(Base SOURCES a.cpp ... PUBLIC ... PRIVATE ...)
+# A static library corvellan<Name> with the alias Corvellan::<Name>. PUBLIC is what its headers mention.
+function(corvellan_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(corvellan${name} STATIC ${ARG_SOURCES})
+    add_library(Corvellan::${name} ALIAS corvellan${name})
+    set_target_properties(corvellan${name} PROPERTIES AUTOMOC ON)
+    target_include_directories(corvellan${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(corvellan${name} PUBLIC ${ARG_PUBLIC} PRIVATE corvellanOptions ${ARG_PRIVATE})
+endfunction()
+
+# corvellan_interface(Platform PUBLIC ...): a folder of headers only.
+function(corvellan_interface name)
+    cmake_parse_arguments(ARG "" "" "PUBLIC" ${ARGN})
+    add_library(corvellan${name} INTERFACE)
+    add_library(Corvellan::${name} ALIAS corvellan${name})
+    target_include_directories(corvellan${name} INTERFACE ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(corvellan${name} INTERFACE ${ARG_PUBLIC})
+endfunction()
+
+# corvellan_test(BaseTest SOURCES ... LINK ... [LABELS ...] [LOCKS ...] [TIMEOUT seconds])
+# A GoogleTest program that is one CTest test; its cases are run in one process.
+function(corvellan_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;LABELS;LOCKS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_link_libraries(${name} PRIVATE corvellanOptions Corvellan::TestSupport ${ARG_LINK})
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}" RESOURCE_LOCK "${ARG_LOCKS}"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp")
+endfunction()

@@ -1,0 +1,178 @@
+#pragma once
+
+#include <QCoroTask>
+#include <chrono>
+#include <coroutine>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <utility>
+#include <vector>
+
+#include "Clock.h"
+#include "Executor.h"
+
+namespace corvellan {
+
+enum class SleepEnd { elapsed, interrupted };
+
+namespace detail {
+
+/// One wake-up for a coroutine that two sides may want to wake: the first one wins.
+class WakeOnce {
+public:
+    WakeOnce(Executor& executor, std::coroutine_handle<> handle) : m_executor(executor), m_handle(handle) {}
+
+    void wake() {
+        if (!m_woken.exchange(true, std::memory_order_acq_rel))
+            m_executor.post([handle = m_handle] { handle.resume(); });
+    }
+
+private:
+    Executor& m_executor;
+    std::coroutine_handle<> m_handle;
+    std::atomic<bool> m_woken = false;
+};
+
+class SleepAwaiter {
+public:
+    SleepAwaiter(Clock& clock, MonotonicTime deadline, std::stop_token stop)
+        : m_clock(clock), m_deadline(deadline), m_stop(std::move(stop)) {}
+    SleepAwaiter(const SleepAwaiter&) = delete;
+    SleepAwaiter& operator=(const SleepAwaiter&) = delete;
+
+    [[nodiscard]] bool await_ready() const { return m_stop.stop_requested(); }
+
+    void await_suspend(std::coroutine_handle<> handle) {
+        Q_ASSERT(Executor::current());
+        m_wake = std::make_shared<WakeOnce>(*Executor::current(), handle);
+        m_timer = m_clock.callAt(m_deadline, [wake = m_wake] { wake->wake(); });
+        m_onStop.emplace(m_stop, Wake{m_wake});
+    }
+
+    SleepEnd await_resume() {
+        m_onStop.reset();
+        if (m_timer)
+            m_clock.cancel(*m_timer);
+        return m_stop.stop_requested() ? SleepEnd::interrupted : SleepEnd::elapsed;
+    }
+
+private:
+    struct Wake {
+        std::shared_ptr<WakeOnce> wake;
+        void operator()() const { wake->wake(); }
+    };
+
+    Clock& m_clock;
+    MonotonicTime m_deadline;
+    std::stop_token m_stop;
+    std::shared_ptr<WakeOnce> m_wake;
+    std::optional<Clock::TimerId> m_timer;
+    std::optional<std::stop_callback<Wake>> m_onStop;
+};
+
+}  // namespace detail
+
+/// Awaitable: waits on the clock's monotonic time and resumes on the caller's executor; tells
+/// whether `stop` cut it short. A stop that was requested before returns at once.
+inline auto sleep(Clock& clock, std::chrono::nanoseconds duration, std::stop_token stop = {}) {
+    return detail::SleepAwaiter{clock, clock.now() + duration, std::move(stop)};
+}
+
+/// The handle of one piece of cancellable work. Cancelling only asks: the work notices at its next
+/// cancellable wait, and nothing of it ever runs inside `cancel`. The work goes on to its own end
+/// when the handle goes; `cancel` before if that is not wanted.
+class CancellableTask {
+public:
+    CancellableTask() = default;
+
+    /// Starts `body`, a callable that takes a `std::stop_token` and returns `QCoro::Task<void>`, at
+    /// the next turn of the calling thread's executor. A task cancelled before still runs.
+    template <typename Body>
+    [[nodiscard]] static CancellableTask start(Body body) {
+        CancellableTask task;
+        task.m_state = std::make_shared<State>();
+        drive(task.m_state, std::move(body));
+        return task;
+    }
+
+    void cancel() const {
+        if (m_state)
+            m_state->stop.request_stop();
+    }
+    [[nodiscard]] bool isCancelled() const { return m_state && m_state->stop.stop_requested(); }
+    /// The work has run to its end.
+    [[nodiscard]] bool isFinished() const { return !m_state || m_state->isFinished; }
+
+private:
+    struct State {
+        std::stop_source stop;
+        bool isFinished = false;
+    };
+
+    // `body` is a parameter, so that what it captured lives in this coroutine until its end.
+    template <typename Body>
+    static QCoro::Task<void> drive(std::shared_ptr<State> state, Body body) {
+        co_await Executor::current()->turn();
+        co_await body(state->stop.get_token());
+        state->isFinished = true;
+    }
+
+    std::shared_ptr<State> m_state;
+};
+
+/// An optional cancellable task, as long-lived objects hold it: assigning a new one cancels the old.
+class TaskSlot {
+public:
+    TaskSlot& operator=(CancellableTask task) {
+        cancel();
+        m_task = std::move(task);
+        return *this;
+    }
+    /// Asks the task to stop and keeps its handle.
+    void cancel() const {
+        if (m_task)
+            m_task->cancel();
+    }
+    /// Asks the task to stop and forgets it.
+    void clear() {
+        cancel();
+        m_task.reset();
+    }
+    [[nodiscard]] bool isSet() const { return m_task.has_value(); }
+    /// Nothing is under way here.
+    [[nodiscard]] bool isFinished() const { return !m_task || m_task->isFinished(); }
+
+private:
+    std::optional<CancellableTask> m_task;
+};
+
+/// Children that run side by side under one stop token. One that ends early ends nothing else.
+class TaskGroup {
+public:
+    explicit TaskGroup(std::stop_token stop) : m_stop(std::move(stop)) {}
+
+    /// Starts a child, a callable as for `CancellableTask::start`, at once and up to its first wait.
+    template <typename Body>
+    void add(Body body) {
+        m_children.push_back(drive(m_stop, std::move(body)));
+    }
+
+    /// Returns when every child has ended.
+    [[nodiscard]] QCoro::Task<void> wait() {
+        for (auto& child : m_children)
+            co_await child;
+        m_children.clear();
+    }
+
+private:
+    template <typename Body>
+    static QCoro::Task<void> drive(std::stop_token stop, Body body) {
+        co_await body(std::move(stop));
+    }
+
+    std::stop_token m_stop;
+    std::vector<QCoro::Task<void>> m_children;
+};
+
+}  // namespace corvellan

@@ -1,0 +1,99 @@
+#include "Text.h"
+
+#include <unicode/brkiter.h>
+#include <unicode/utext.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+
+namespace corvellan::text {
+
+namespace {
+
+/// Walks the ends of grapheme clusters. One iterator a thread: making one costs more than its use.
+class Characters {
+public:
+    explicit Characters(QStringView text) {
+        UErrorCode status = U_ZERO_ERROR;
+        m_text = utext_openUChars(nullptr, reinterpret_cast<const UChar*>(text.utf16()), text.size(), &status);
+        iterator().setText(m_text, status);
+    }
+    ~Characters() { utext_close(m_text); }
+    Characters(const Characters&) = delete;
+    Characters& operator=(const Characters&) = delete;
+
+    /// The end of the next character in UTF-16 units; negative after the last.
+    qsizetype nextEnd() { return iterator().next(); }
+
+private:
+    static icu::BreakIterator& iterator() {
+        thread_local const std::unique_ptr<icu::BreakIterator> shared = [] {
+            UErrorCode status = U_ZERO_ERROR;
+            std::unique_ptr<icu::BreakIterator> made{
+                icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status)};
+            Q_ASSERT(U_SUCCESS(status));
+            return made;
+        }();
+        return *shared;
+    }
+
+    UText* m_text = nullptr;
+};
+
+bool isSpace(QChar character) {
+    // U+0085 and the like are separators of lines for people, though not white space for Qt.
+    return character.isSpace() || character == QChar{0x85};
+}
+
+}  // namespace
+
+qsizetype count(QStringView text) {
+    Characters characters{text};
+    qsizetype result = 0;
+    while (characters.nextEnd() >= 0)
+        ++result;
+    return result;
+}
+
+QString prefix(QStringView text, qsizetype characters) {
+    if (text.size() <= characters)
+        return text.toString();
+    Characters walker{text};
+    qsizetype end = 0;
+    for (qsizetype i = 0; i < characters; ++i) {
+        const auto next = walker.nextEnd();
+        if (next < 0)
+            return text.toString();
+        end = next;
+    }
+    return text.first(end).toString();
+}
+
+QString upperFirst(QStringView text) {
+    if (text.isEmpty())
+        return {};
+    const auto first = prefix(text, 1);
+    return first.toUpper() + text.sliced(first.size()).toString();
+}
+
+QString trimmed(QStringView text) {
+    while (!text.isEmpty() && isSpace(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isSpace(text.back()))
+        text.chop(1);
+    return text.toString();
+}
+
+bool isBlank(QStringView text) {
+    return std::ranges::all_of(text, [](QChar character) { return character == u' ' || character == u'\t'; });
+}
+
+QString fixed(double value, int decimals) {
+    std::array<char, 400> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
+    return QString::fromLatin1(digits.data(), end.ptr - digits.data());
+}
+
+}  // namespace corvellan::text
