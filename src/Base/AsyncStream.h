@@ -195,7 +195,8 @@ private:
     class Awaiter {
     public:
         Awaiter(std::shared_ptr<Reading> reading, std::stop_token stop)
-            : m_reading(std::move(reading)), m_stop(std::move(stop)) {}
+            : m_reading(std::move(reading)),
+              m_stop(std::move(stop)) {}
         Awaiter(const Awaiter&) = delete;
         Awaiter& operator=(const Awaiter&) = delete;
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
 #include <concepts>
 #include <memory>
+#include <QString>
 #include <utility>
 
 namespace corvellan {

@@ -4,9 +4,9 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <QEventLoop>
 #include <QSocketNotifier>
-#include <atomic>
 #include <semaphore>
 #include <system_error>
 #include <thread>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QCoroTask>
 #include <coroutine>
 #include <functional>
 #include <memory>
+#include <QCoroTask>
 #include <type_traits>
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include "Iso8601.h"
 
-#include <QChar>
 #include <cstdio>
+#include <QChar>
 
 namespace corvellan {
 
@@ -151,8 +151,7 @@ QString iso8601(WallTime time) {
 
 QString logStamp(WallTime time) {
     const auto f = fieldsOf(time);
-    return QString::asprintf("%04d-%02u-%02u %02d:%02d:%02d +0000", f.year, f.month, f.day, f.hour, f.minute,
-                             f.second);
+    return QString::asprintf("%04d-%02u-%02u %02d:%02d:%02d +0000", f.year, f.month, f.day, f.hour, f.minute, f.second);
 }
 
 }  // namespace corvellan

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
 #include <map>
 #include <optional>
+#include <QString>
 #include <variant>
 
 namespace corvellan {

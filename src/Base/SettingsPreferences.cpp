@@ -1,8 +1,8 @@
 #include "SettingsPreferences.h"
 
-#include <QStandardPaths>
 #include <charconv>
 #include <cmath>
+#include <QStandardPaths>
 
 #include "Text.h"
 

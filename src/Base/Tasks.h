@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QCoroTask>
 #include <chrono>
 #include <coroutine>
 #include <memory>
 #include <optional>
+#include <QCoroTask>
 #include <stop_token>
 #include <utility>
 #include <vector>
@@ -37,7 +37,9 @@ private:
 class SleepAwaiter {
 public:
     SleepAwaiter(Clock& clock, MonotonicTime deadline, std::stop_token stop)
-        : m_clock(clock), m_deadline(deadline), m_stop(std::move(stop)) {}
+        : m_clock(clock),
+          m_deadline(deadline),
+          m_stop(std::move(stop)) {}
     SleepAwaiter(const SleepAwaiter&) = delete;
     SleepAwaiter& operator=(const SleepAwaiter&) = delete;
 

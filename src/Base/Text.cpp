@@ -92,7 +92,8 @@ bool isBlank(QStringView text) {
 
 QString fixed(double value, int decimals) {
     std::array<char, 400> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
     return QString::fromLatin1(digits.data(), end.ptr - digits.data());
 }
 

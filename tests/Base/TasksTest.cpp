@@ -35,9 +35,8 @@ TEST(TasksTest, aTaskCancelledBeforeItsStartStillRuns) {
 TEST(TasksTest, sleepEndsWhenTheClockGetsThere) {
     ManualClock clock;
     std::optional<SleepEnd> end;
-    const auto task = CancellableTask::start([&](std::stop_token stop) -> QCoro::Task<void> {
-        end = co_await sleep(clock, 1s, stop);
-    });
+    const auto task = CancellableTask::start(
+        [&](std::stop_token stop) -> QCoro::Task<void> { end = co_await sleep(clock, 1s, stop); });
     settleAfter(clock, 999ms);
     EXPECT_FALSE(end.has_value());
     settleAfter(clock, 1ms);
@@ -48,9 +47,8 @@ TEST(TasksTest, sleepEndsWhenTheClockGetsThere) {
 TEST(TasksTest, cancellingInterruptsASleep) {
     ManualClock clock;
     std::optional<SleepEnd> end;
-    const auto task = CancellableTask::start([&](std::stop_token stop) -> QCoro::Task<void> {
-        end = co_await sleep(clock, 1h, stop);
-    });
+    const auto task = CancellableTask::start(
+        [&](std::stop_token stop) -> QCoro::Task<void> { end = co_await sleep(clock, 1h, stop); });
     settle();
     task.cancel();
     EXPECT_FALSE(end.has_value());

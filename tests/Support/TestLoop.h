@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QCoroTask>
-#include <QCoreApplication>
-#include <QEventLoop>
 #include <chrono>
 #include <optional>
+#include <QCoreApplication>
+#include <QCoroTask>
+#include <QEventLoop>
 #include <type_traits>
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <memory>
+#include <QCoreApplication>
 
 #include "Base/Executor.h"
 #include "TestLoop.h"
