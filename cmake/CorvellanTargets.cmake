@@ -2,7 +2,7 @@
 
 add_library(corvellanOptions INTERFACE)
 target_compile_options(corvellanOptions INTERFACE -Wall -Wextra -Wpedantic -Werror=switch -Werror=return-type
-    -Wno-unknown-warning-option)
+    -Wno-unknown-warning-option -Wno-missing-designated-field-initializers)
 target_compile_definitions(corvellanOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
    )
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")

@@ -69,7 +69,8 @@ struct SessionEnvironment {
 /// to it. Lives on the main thread for the whole process.
 ///
 /// Its work is spread over one source file a duty: SessionViewModel.cpp (state, construction),
-/// SessionPipeline.cpp, ServerMessageHandling.cpp, AudioTranscriptFlow.cpp, TrainingMode.cpp.
+/// SessionPipeline.cpp, ServerMessageHandling.cpp, AudioTranscriptFlow.cpp, TrainingMode.cpp,
+/// ExtensionLink.cpp.
 class SessionViewModel final : public QObject {
     Q_OBJECT
 
@@ -154,7 +155,7 @@ public:
     CORVELLAN_PUBLISHED(QString, authURL, setAuthURL);
     CORVELLAN_PUBLISHED(bool, isSyncingHistory, setIsSyncingHistory) = false;
     /// The company of the session, as it was started with.
-    CORVELLAN_PUBLISHED_FIELD(std::optional<QString>, currentCompany);
+    CORVELLAN_PUBLISHED(std::optional<QString>, currentCompany, setCurrentCompany);
 
 public:
     void setIsSessionActive(bool value);
@@ -203,8 +204,13 @@ public:
     void toggleTtsMute();
     void interruptTts();
 
-    /// The session task has ended; what it started is closed.
-    [[nodiscard]] bool isSessionTaskFinished() const { return m_sessionTask.isFinished(); }
+    // MARK: - Extension link
+
+    /// Stops a running countdown to an automatic start.
+    void cancelAutoStart();
+
+    /// No session task and no short task is under way: everything started is closed and stored.
+    [[nodiscard]] bool isQuiet() const;
 
 Q_SIGNALS:
     /// A coaching message has changed the state; `arrivedAt` is when it came to the socket.
@@ -213,13 +219,38 @@ Q_SIGNALS:
 private:
     void debugLog(const QString& message) const { m_environment.debugLog.write(message); }
 
+    /// Runs a short task that nothing cancels and no field keeps.
+    template <typename Body>
+    void runDetached(Body body) {
+        ++m_detachedTasks;
+        static_cast<void>(
+            CancellableTask::start([this, body = std::move(body)](std::stop_token stop) -> QCoro::Task<void> {
+                co_await body(std::move(stop));
+                --m_detachedTasks;
+            }));
+    }
+
     // SessionPipeline.cpp
-    struct Pipeline;
+
+    /// What the live phase reads; the system side is absent without a token or a capture.
+    struct LiveStreams {
+        AsyncStream<AudioChunk> microphone;
+        AsyncStream<SttEvent> microphoneEvents;
+        std::optional<AsyncStream<AudioChunk>> system = std::nullopt;
+        std::optional<AsyncStream<SttEvent>> systemEvents = std::nullopt;
+    };
+
+    /// The memory note and the call notes as they travel in the start message.
     [[nodiscard]] std::optional<QString> serverContext(const std::optional<QString>& callNotes) const;
     void resetForSession();
     QCoro::Task<void> runSession(StartRequest request, std::stop_token stop);
+    /// The access token, absent on a local server.
     QCoro::Task<std::expected<std::optional<QString>, Error>> signIn();
-    QCoro::Task<std::expected<SessionStartedPayload, bool>> awaitSessionStarted(std::stop_token stop);
+    [[nodiscard]] ClientMsg startMessageFor(const StartRequest& request) const;
+    /// Empty when the server refused and the user has been told.
+    QCoro::Task<std::expected<std::optional<SessionStartedPayload>, Error>> awaitSessionStarted(std::stop_token stop);
+    void refuseWithoutToken();
+    QCoro::Task<void> startSystemAudio(SessionStartedPayload started, LiveStreams& streams);
     QCoro::Task<void> failSession(Error error);
     QCoro::Task<void> cleanUp();
     void exitSession();
@@ -227,9 +258,7 @@ private:
     QCoro::Task<void> applyScreenShareToggle();
 
     // AudioTranscriptFlow.cpp
-    QCoro::Task<void> runLivePhase(AsyncStream<AudioChunk> mic, AsyncStream<SttEvent> micEvents,
-                                   std::optional<AsyncStream<AudioChunk>> system,
-                                   std::optional<AsyncStream<SttEvent>> systemEvents, std::stop_token stop);
+    QCoro::Task<void> runLivePhase(LiveStreams streams, std::stop_token stop);
     QCoro::Task<void> pumpMicrophone(AsyncStream<AudioChunk> stream, std::stop_token stop);
     QCoro::Task<void> pumpSystemAudio(AsyncStream<AudioChunk> stream, std::stop_token stop);
     QCoro::Task<void> readSystemEvents(AsyncStream<SttEvent> stream, std::stop_token stop);
@@ -241,15 +270,18 @@ private:
     // ServerMessageHandling.cpp
     void handle(const CoachingPayload& coaching);
     void handle(const SummaryPayload& summary);
+    void handle(const ServerMsg::CounterpartToken& token);
+    void handleCounterpartDone();
     void flashNewCriterion(const MeddicScore& before, const MeddicScore& after);
     void storeRecord(const SummaryPayload& summary);
 
     // TrainingMode.cpp
     void onTtsPlayingChanged(bool isPlaying);
     void stopTtsAndResumeMic();
+    /// The turn is the user's again, in a training session that runs.
     void resumeListening();
 
-    // The extension link's reactions to messages.
+    // ExtensionLink.cpp
     void onExtensionCallDetected(const ExtensionContextPayload& payload);
     void onExtensionCallEnded();
 
@@ -261,6 +293,9 @@ private:
     TaskSlot m_endSessionTimeoutTask;
     TaskSlot m_coachingResetTask;
     TaskSlot m_timerTask;
+    TaskSlot m_autoStartTask;
+    int m_runningSessions = 0;
+    int m_detachedTasks = 0;
     MonotonicTime m_lastRealTranscriptTime{};
     bool m_isTrainMode = false;
     std::optional<QString> m_currentScenario;

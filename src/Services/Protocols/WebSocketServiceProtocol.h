@@ -14,7 +14,13 @@ struct WebSocketError {
     enum class Kind { notConnected, encodingFailed };
     Kind kind = Kind::notConnected;
 
-    [[nodiscard]] QString errorDescription() const;
+    [[nodiscard]] QString errorDescription() const {
+        switch (kind) {
+        case Kind::notConnected: return QStringLiteral("WebSocket not connected");
+        case Kind::encodingFailed: return QStringLiteral("Failed to encode message");
+        }
+        Q_UNREACHABLE();
+    }
 };
 
 /// A message as it came from the coaching server.

@@ -1,0 +1,366 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Services/Protocols/AudioServiceProtocol.h"
+#include "Services/Protocols/AuthServiceProtocol.h"
+#include "Services/Protocols/ScreenShareServiceProtocol.h"
+#include "Services/Protocols/ServiceFactory.h"
+#include "Services/Protocols/SessionStoreProtocol.h"
+#include "Services/Protocols/SttServiceProtocol.h"
+#include "Services/Protocols/TtsServiceProtocol.h"
+#include "Services/Protocols/WebSocketServiceProtocol.h"
+
+/// Stand-ins for the services at the line that `Services/Protocols` draws. They live on the main
+/// thread, do at once what they are asked, keep a record of it, and can be told to fail.
+namespace corvellan::test {
+
+/// The calls of all fakes of one session, in order: "ws.connect", "audio.stopMic", ...
+using CallLog = std::vector<std::string>;
+
+/// A gate that an asked operation waits at until the test opens it. Open from the start.
+class Gate {
+public:
+    void close() { m_isOpen = false; }
+    void open() {
+        m_isOpen = true;
+        for (auto& waiter : std::exchange(m_waiters, {}))
+            waiter.finish();
+    }
+    QCoro::Task<void> pass() {
+        if (m_isOpen)
+            co_return;
+        auto [stream, producer] = AsyncStream<int>::make();
+        m_waiters.push_back(producer);
+        const auto keep = stream;
+        static_cast<void>(co_await keep.next());
+    }
+
+private:
+    bool m_isOpen = true;
+    std::vector<AsyncStream<int>::Producer> m_waiters;
+};
+
+class FakeWebSocket final : public WebSocketServiceProtocol {
+public:
+    explicit FakeWebSocket(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<std::expected<void, Error>> connect(QUrl url) override {
+        m_log.emplace_back("ws.connect");
+        urls.push_back(url);
+        co_await connectGate.pass();
+        if (connectError)
+            co_return std::unexpected(*connectError);
+        auto [stream, producer] = AsyncStream<ReceivedServerMsg>::make();
+        m_stream.emplace(stream);
+        m_producer.emplace(producer);
+        co_return {};
+    }
+    QCoro::Task<std::expected<void, Error>> send(ClientMsg message) override {
+        m_log.emplace_back("ws.send");
+        if (sendError)
+            co_return std::unexpected(*sendError);
+        sent.push_back(std::move(message));
+        co_return {};
+    }
+    AsyncStream<ReceivedServerMsg> receive() override {
+        if (!m_stream)
+            return AsyncStream<ReceivedServerMsg>::failed(WebSocketError{});
+        return *m_stream;
+    }
+    QCoro::Task<void> disconnect() override {
+        m_log.emplace_back("ws.disconnect");
+        if (m_producer)
+            m_producer->finish();
+        m_producer.reset();
+        m_stream.reset();
+        co_return;
+    }
+
+    void deliver(ServerMsg message) { m_producer->push({.message = std::move(message), .arrivedAt = {}}); }
+    void deliver(ServerMsg::Value value) { deliver(ServerMsg{std::move(value)}); }
+    void close() { m_producer->finish(); }
+    void fail(const QString& message) { m_producer->fail(TransportError{message}); }
+
+    template <typename Payload>
+    [[nodiscard]] int countSent() const {
+        int count = 0;
+        for (const auto& message : sent)
+            count += std::holds_alternative<Payload>(message.value) ? 1 : 0;
+        return count;
+    }
+
+    std::vector<QUrl> urls;
+    std::vector<ClientMsg> sent;
+    std::optional<Error> connectError;
+    std::optional<Error> sendError;
+    Gate connectGate;
+
+private:
+    CallLog& m_log;
+    std::optional<AsyncStream<ReceivedServerMsg>> m_stream;
+    std::optional<AsyncStream<ReceivedServerMsg>::Producer> m_producer;
+};
+
+class FakeAudio final : public AudioServiceProtocol {
+public:
+    explicit FakeAudio(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<float> audioLevel() override { co_return level; }
+    QCoro::Task<bool> isMuted() override { co_return muted; }
+    QCoro::Task<void> setMuted(bool value) override {
+        muted = value;
+        if (value)
+            level = 0;
+        m_log.emplace_back(value ? "audio.mute" : "audio.unmute");
+        co_return;
+    }
+    QCoro::Task<void> clearAudioLevel() override {
+        level = 0;
+        co_return;
+    }
+    QCoro::Task<std::expected<AsyncStream<AudioChunk>, Error>> startMic() override {
+        m_log.emplace_back("audio.startMic");
+        if (startError)
+            co_return std::unexpected(*startError);
+        auto [stream, producer] = AsyncStream<AudioChunk>::make();
+        m_producer.emplace(producer);
+        co_return stream;
+    }
+    QCoro::Task<void> stopMic() override {
+        m_log.emplace_back("audio.stopMic");
+        if (m_producer)
+            m_producer->finish();
+        m_producer.reset();
+        level = 0;
+        co_return;
+    }
+
+    void deliver(QByteArray pcm = QByteArray(4, '\1')) { m_producer->push({.pcm = std::move(pcm)}); }
+    [[nodiscard]] bool isRunning() const { return m_producer.has_value(); }
+
+    float level = 0.5F;
+    bool muted = false;
+    std::optional<Error> startError;
+
+private:
+    CallLog& m_log;
+    std::optional<AsyncStream<AudioChunk>::Producer> m_producer;
+};
+
+class FakeSystemAudio final : public SystemAudioServiceProtocol {
+public:
+    explicit FakeSystemAudio(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<std::expected<AsyncStream<AudioChunk>, Error>> start() override {
+        m_log.emplace_back("systemAudio.start");
+        if (startError)
+            co_return std::unexpected(*startError);
+        auto [stream, producer] = AsyncStream<AudioChunk>::make();
+        m_producer.emplace(producer);
+        co_return stream;
+    }
+    QCoro::Task<void> stop() override {
+        m_log.emplace_back("systemAudio.stop");
+        co_return;
+    }
+    QCoro::Task<float> audioLevel() override { co_return level; }
+
+    void deliver(QByteArray pcm = QByteArray(4, '\2')) { m_producer->push({.pcm = std::move(pcm)}); }
+    void endStream() { m_producer->finish(); }
+
+    float level = 0.25F;
+    std::optional<Error> startError;
+
+private:
+    CallLog& m_log;
+    std::optional<AsyncStream<AudioChunk>::Producer> m_producer;
+};
+
+class FakeStt final : public SttServiceProtocol {
+public:
+    FakeStt(CallLog& log, std::string name) : m_log(log), m_name(std::move(name)) {}
+
+    QCoro::Task<void> connect(QString ephemeralToken, std::optional<QString> realtimeUrl) override {
+        m_log.push_back(m_name + ".connect");
+        token = std::move(ephemeralToken);
+        url = std::move(realtimeUrl);
+        co_await connectGate.pass();
+    }
+    QCoro::Task<void> sendAudio(AudioChunk chunk) override {
+        received.push_back(std::move(chunk.pcm));
+        co_return;
+    }
+    AsyncStream<SttEvent> events() override {
+        auto [stream, producer] = AsyncStream<SttEvent>::make();
+        m_producer.emplace(producer);
+        return stream;
+    }
+    QCoro::Task<void> disconnect() override {
+        m_log.push_back(m_name + ".disconnect");
+        if (m_producer)
+            m_producer->finish();
+        m_producer.reset();
+        co_return;
+    }
+
+    void deliver(SttEvent event) { m_producer->push(std::move(event)); }
+    void deliverFinal(const QString& text) { deliver({SttEvent::Final{text}}); }
+    void deliverDelta(const QString& text) { deliver({SttEvent::Delta{text}}); }
+    void deliverFailure(const QString& message) { deliver({SttEvent::Failure{message}}); }
+
+    QString token;
+    std::optional<QString> url;
+    std::vector<QByteArray> received;
+    Gate connectGate;
+
+private:
+    CallLog& m_log;
+    std::string m_name;
+    std::optional<AsyncStream<SttEvent>::Producer> m_producer;
+};
+
+class FakeTts final : public TtsServiceProtocol {
+public:
+    explicit FakeTts(CallLog& log) : m_log(log) {}
+
+    void feedToken(const QString& token) override { fed.append(token); }
+    void flush() override { m_log.emplace_back("tts.flush"); }
+    void stop() override { m_log.emplace_back("tts.stop"); }
+    void setOnPlayingChanged(std::function<void(bool)> callback) override { m_onPlayingChanged = std::move(callback); }
+
+    void play(bool isPlaying) {
+        if (m_onPlayingChanged)
+            m_onPlayingChanged(isPlaying);
+    }
+
+    QStringList fed;
+
+private:
+    CallLog& m_log;
+    std::function<void(bool)> m_onPlayingChanged;
+};
+
+class FakeScreenShare final : public ScreenShareServiceProtocol {
+public:
+    explicit FakeScreenShare(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<void> start(QString id, QString base, std::optional<QString> token, ScreenShareOptions with) override {
+        m_log.emplace_back("screenShare.start");
+        sessionId = std::move(id);
+        httpBase = std::move(base);
+        authToken = std::move(token);
+        options = with;
+        co_return;
+    }
+    QCoro::Task<void> stop() override {
+        m_log.emplace_back("screenShare.stop");
+        co_return;
+    }
+
+    QString sessionId;
+    QString httpBase;
+    std::optional<QString> authToken;
+    ScreenShareOptions options;
+
+private:
+    CallLog& m_log;
+};
+
+class FakeAuth final : public AuthServiceProtocol {
+public:
+    explicit FakeAuth(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<bool> isAuthenticated() override { co_return accessToken.has_value(); }
+    QCoro::Task<std::optional<QString>> token() override { co_return accessToken; }
+    QCoro::Task<std::optional<QString>> validToken(QString) override { co_return accessToken; }
+    QCoro::Task<void> invalidateToken() override { co_return; }
+    QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) override {
+        m_log.emplace_back("auth.login");
+        baseUrl = std::move(authBaseUrl);
+        co_await loginGate.pass();
+        if (!loginErrors.empty()) {
+            const auto error = loginErrors.front();
+            loginErrors.erase(loginErrors.begin());
+            co_return std::unexpected(error);
+        }
+        co_return {};
+    }
+    QCoro::Task<void> logout() override {
+        m_log.emplace_back("auth.logout");
+        co_return;
+    }
+
+    std::optional<QString> accessToken;
+    QString baseUrl;
+    std::vector<Error> loginErrors;  ///< One a login, from the first.
+    Gate loginGate;
+
+private:
+    CallLog& m_log;
+};
+
+class FakeStore final : public SessionStoreProtocol {
+public:
+    QCoro::Task<void> insert(SessionRecord record) override {
+        records.push_back(std::move(record));
+        co_return;
+    }
+    QCoro::Task<void> update(SessionRecord) override { co_return; }
+    QCoro::Task<std::expected<void, Error>> save() override {
+        ++saves;
+        if (saveError)
+            co_return std::unexpected(*saveError);
+        co_return {};
+    }
+    QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() override { co_return records; }
+    QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) override {
+        for (const auto& record : records)
+            if (record.id == id)
+                co_return record;
+        co_return std::nullopt;
+    }
+    std::shared_ptr<void> observe(std::function<void(Index)>) override { return {}; }
+
+    std::vector<SessionRecord> records;
+    int saves = 0;
+    std::optional<Error> saveError;
+};
+
+/// Hands out fakes that the test prepared.
+class FakeFactory final : public ServiceFactory {
+public:
+    explicit FakeFactory(CallLog& log)
+        : m_screenShare(std::make_unique<FakeScreenShare>(log)),
+          m_tts(std::make_unique<FakeTts>(log)),
+          m_systemAudio(std::make_unique<FakeSystemAudio>(log)),
+          m_systemStt(std::make_unique<FakeStt>(log, "systemStt")),
+          screenShare(*m_screenShare),
+          tts(*m_tts),
+          systemAudio(*m_systemAudio),
+          systemStt(*m_systemStt) {}
+
+    std::unique_ptr<ScreenShareServiceProtocol> makeScreenShare() override { return std::move(m_screenShare); }
+    std::unique_ptr<TtsServiceProtocol> makeTts() override { return std::move(m_tts); }
+    std::unique_ptr<SystemAudioServiceProtocol> makeSystemAudio() override { return std::move(m_systemAudio); }
+    std::unique_ptr<SttServiceProtocol> makeStt() override { return std::move(m_systemStt); }
+    std::unique_ptr<WebSocketServiceProtocol> makeWebSocket() override { return {}; }
+
+private:
+    std::unique_ptr<FakeScreenShare> m_screenShare;
+    std::unique_ptr<FakeTts> m_tts;
+    std::unique_ptr<FakeSystemAudio> m_systemAudio;
+    std::unique_ptr<FakeStt> m_systemStt;
+
+public:
+    // Good for as long as the session that took them lives.
+    FakeScreenShare& screenShare;
+    FakeTts& tts;
+    FakeSystemAudio& systemAudio;
+    FakeStt& systemStt;
+};
+
+}  // namespace corvellan::test

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include "Support/SessionFixture.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace corvellan::test {
+namespace {
+
+CoachingPayload tip() {
+    return {.message = u"Ask more"_s, .coachingType = CoachingType::whisper};
+}
+
+TEST(TrainingModeTest, speechMutesTheMicrophoneAndMovesTheStage) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().setAudioLevel(1);
+    fixture.factory.tts.play(true);
+    settle();
+    EXPECT_TRUE(fixture.session().isTtsPlaying());
+    EXPECT_TRUE(fixture.audio->muted);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::counterpartSpeaking);
+    EXPECT_EQ(fixture.session().audioLevel(), 0);
+    fixture.factory.tts.play(false);
+    settle();
+    EXPECT_FALSE(fixture.audio->muted);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
+}
+
+TEST(TrainingModeTest, theEndOfSpeechAfterTheSessionOnlyUnmutes) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.session().stopSession();
+    settle();
+    fixture.session().setStatusText(u"Elsewhere"_s);
+    fixture.session().setTrainStage(TrainStage::coaching);
+    fixture.factory.tts.play(false);
+    settle();
+    EXPECT_FALSE(fixture.audio->muted);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    EXPECT_EQ(fixture.session().statusText(), u"Elsewhere"_s);
+}
+
+TEST(TrainingModeTest, interruptingStopsSpeechAndUnmutesShortlyAfter) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.log.clear();
+    fixture.session().interruptTts();
+    EXPECT_EQ(fixture.log, (CallLog{"tts.stop"}));
+    EXPECT_FALSE(fixture.session().isTtsPlaying());
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    settle();
+    EXPECT_FALSE(fixture.audio->muted);
+    fixture.audio->deliver("next");
+    settle();
+    EXPECT_EQ(fixture.stt->received.back(), "next");
+}
+
+TEST(TrainingModeTest, withRepliesMutedNothingIsSpokenAndTheStageReturnsAtTheReplysEnd) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().toggleTtsMute();
+    settle();
+    fixture.log.clear();
+    fixture.session().handleServerMessage({ServerMsg::CounterpartToken{u"Hello"_s}});
+    EXPECT_EQ(fixture.session().counterpartStreamingText(), u"Hello"_s);
+    fixture.session().handleServerMessage({ServerMsg::CounterpartDone{1}});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
+    EXPECT_TRUE(fixture.factory.tts.fed.isEmpty());
+    EXPECT_TRUE(fixture.log.empty());
+    EXPECT_EQ(fixture.session().transcriptLines().lines().back().text, u"Hello"_s);
+    fixture.session().toggleTtsMute();
+    EXPECT_FALSE(fixture.session().isTtsMuted());
+    EXPECT_TRUE(fixture.factory.tts.fed.isEmpty());
+}
+
+TEST(TrainingModeTest, anUtteranceMovesTheStageToWaiting) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.stt->deliverFinal(u"What is your budget?"_s);
+    settle();
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::waitingLLM);
+    EXPECT_EQ(fixture.session().statusText(), u"Waiting for response..."_s);
+}
+
+TEST(TrainingModeTest, aTipMovesTheStageForTwoSeconds) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().handleServerMessage({tip()});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    settleAfter(fixture.clock, 1999ms);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    settleAfter(fixture.clock, 1ms);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
+}
+
+TEST(TrainingModeTest, ofTwoTipsWithinTwoSecondsOnlyTheSecondsTimerStands) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().handleServerMessage({tip()});
+    settleAfter(fixture.clock, 1500ms);
+    fixture.session().handleServerMessage({tip()});
+    settleAfter(fixture.clock, 1500ms);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    settleAfter(fixture.clock, 500ms);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+}
+
+TEST(TrainingModeTest, inALiveCallATipLeavesTheStageAlone) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.session().handleServerMessage({tip()});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), u"Coaching"_s);
+}
+
+}  // namespace
+}  // namespace corvellan::test
