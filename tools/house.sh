@@ -17,18 +17,37 @@ die() {
 
 # Every child leads a process group of its own, so that what it started ends with it; the kernel ends
 # it as well should this script be killed.
-# startChild NAME LOG COMMAND...: sets childPid.
+# startChild NAME LOG COMMAND...: sets childPid. The log "-" is this script's own output.
 startChild() {
     local name=$1 log=$2
     shift 2
-    setsid setpriv --pdeathsig TERM "$@" </dev/null >"$log" 2>&1 &
+    if [[ $log == - ]]; then
+        setsid setpriv --pdeathsig TERM "$@" </dev/null &
+    else
+        setsid setpriv --pdeathsig TERM "$@" </dev/null >"$log" 2>&1 &
+    fi
     childPid=$!
     houseChildren+=("$childPid:$name")
 }
 
+# runChild NAME COMMAND...: in the foreground, yet ended with this script; gives its exit status.
+runChild() {
+    local name=$1 pid code=0
+    shift
+    setsid setpriv --pdeathsig TERM "$@" </dev/null &
+    pid=$!
+    houseChildren+=("$pid:$name")
+    wait "$pid" || code=$?
+    endChild "$pid"
+    return "$code"
+}
+
 endGroup() {
     local pid=$1 waited=0
-    kill -TERM -- "-$pid" 2>/dev/null || kill -TERM "$pid" 2>/dev/null || true
+    # One that was just started may not lead its group yet; it is still a job of this shell then.
+    if ! kill -TERM -- "-$pid" 2>/dev/null && jobs -p | grep -qx "$pid"; then
+        kill -TERM "$pid" 2>/dev/null || true
+    fi
     while kill -0 -- "-$pid" 2>/dev/null; do
         # A child that has ended but was not waited for still counts as a member of its group.
         if ! kill -0 "$pid" 2>/dev/null || [[ $(ps -o stat= -p "$pid") == Z* ]]; then

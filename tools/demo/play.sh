@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Brings up private surroundings and lets demo.py play a call in them.
+set -euo pipefail
+# shellcheck source=tools/house.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../house.sh"
+
+usage() {
+    echo "Usage: play.sh --bin FOLDER --output FOLDER [--headless] [--script SCRIPT]" >&2
+    exit 2
+}
+
+headless=no
+passed=()
+while (($#)); do
+    case $1 in
+    --headless) headless=yes ;;
+    --bin | --output | --script)
+        (($# >= 2)) || usage
+        passed+=("$1" "$2")
+        shift
+        ;;
+    *) usage ;;
+    esac
+    shift
+done
+((${#passed[@]})) || usage
+
+houseTraps
+# Windows are looked at through X11, which a Wayland session offers too.
+[[ $headless == no && -n ${DISPLAY:-} ]] && hasDisplay || headless=yes
+if [[ $headless == no ]]; then
+    say "Private sound server and home; the window opens on your display"
+    export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
+    # Where it is, the program's own X11 window is what can be pictured.
+    unset WAYLAND_DISPLAY
+else
+    say "Private display, sound server and home"
+fi
+privateHome
+[[ $headless == no ]] || privateDisplay
+[[ $headless == no ]] || passed+=(--own-display)
+privateBus
+privateAccessibility
+privateSound
+runChild demo /usr/bin/python3 "$houseRoot/tools/demo/demo.py" "${passed[@]}"
