@@ -1,0 +1,71 @@
+#include "JsonReading.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace corvellan {
+
+namespace {
+
+// Enough of an unknown word to recognise it in a log.
+constexpr std::size_t shownBytes = 60;
+
+}  // namespace
+
+QString FieldPath::text() const {
+    const QString before = parent ? parent->text() : QString{};
+    if (index)
+        return u"%1[%2]"_s.arg(before).arg(*index);
+    const auto name = QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+    return before.isEmpty() ? name : before + u'.' + name;
+}
+
+QString jsonText(const boost::json::string& string) {
+    // Qt takes a leading byte-order mark away; inside a message it is a character like any other.
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    std::string_view rest{string.data(), string.size()};
+    qsizetype marks = 0;
+    while (rest.starts_with(mark)) {
+        rest.remove_prefix(mark.size());
+        ++marks;
+    }
+    auto text = QString::fromUtf8(rest.data(), static_cast<qsizetype>(rest.size()));
+    return marks == 0 ? text : QString{marks, QChar::ByteOrderMark} + text;
+}
+
+void FieldReader::fail(DecodingError::Kind kind, const FieldPath& path, QString detail) {
+    m_failure = DecodingError{kind, path.text(), std::move(detail)};
+}
+
+void FieldReader::failType(const Value& found, const char* expected, const FieldPath& path) {
+    fail(DecodingError::Kind::wrongType, path, typeMismatch(found, expected));
+}
+
+void FieldReader::failUnknownWord(const boost::json::string& word, const FieldPath& path) {
+    const auto shown = static_cast<qsizetype>(std::min(word.size(), shownBytes));
+    fail(DecodingError::Kind::unknownValue, path, QString::fromUtf8(word.data(), shown));
+}
+
+void FieldReader::failNumber(const Value& found, const FieldPath& path) {
+    if (found.is_number())
+        fail(DecodingError::Kind::outOfRange, path, {});
+    else
+        failType(found, "a whole number", path);
+}
+
+void FieldReader::read(const Value& value, QString& text, const FieldPath& path) {
+    if (const auto* const string = value.if_string())
+        text = jsonText(*string);
+    else
+        failType(value, "a string", path);
+}
+
+void FieldReader::read(const Value& value, bool& flag, const FieldPath& path) {
+    if (const auto* const found = value.if_bool())
+        flag = *found;
+    else
+        failType(value, "a boolean", path);
+}
+
+}  // namespace corvellan

@@ -1,0 +1,160 @@
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <boost/json/value.hpp>
+#include <concepts>
+#include <optional>
+#include <QString>
+#include <QStringList>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "JsonParsing.h"
+#include "Protocol.h"
+#include "WireWords.h"
+
+/// Strict reading of JSON into plain values, for the decoders of this folder alone: it drags in
+/// Boost.JSON.
+namespace corvellan {
+
+/// Where in a message a value stands. Lives on the stack, beside the reading of that value.
+struct FieldPath {
+    const FieldPath* parent = nullptr;
+    std::string_view key;
+    std::optional<std::size_t> index;  ///< An element of `parent`, which is an array then.
+
+    /// "state.disc.type", "goals[1]".
+    [[nodiscard]] QString text() const;
+};
+
+/// Any JSON string as text, a leading byte-order mark included.
+[[nodiscard]] QString jsonText(const boost::json::string& string);
+
+/// Reads the fields of one object (see ProtocolFields.h). The first failure stays, and what follows
+/// it is no longer read.
+class FieldReader {
+public:
+    FieldReader(const boost::json::object& object, std::optional<DecodingError>& failure,
+                const FieldPath* path = nullptr)
+        : m_object(object),
+          m_failure(failure),
+          m_path(path) {}
+
+    template <typename T>
+    void field(std::string_view key, T& value) {
+        if (m_failure)
+            return;
+        const FieldPath path{m_path, key, {}};
+        if (const auto* const found = m_object.if_contains(key))
+            read(*found, value, path);
+        else
+            fail(DecodingError::Kind::missingField, path, {});
+    }
+
+    template <typename T>
+    void field(std::string_view key, std::optional<T>& value) {
+        if (m_failure)
+            return;
+        value.reset();
+        const auto* const found = m_object.if_contains(key);
+        if (found && !found->is_null())
+            read(*found, value.emplace(), FieldPath{m_path, key, {}});
+    }
+
+    template <typename T>
+    void defaulted(std::string_view key, T& value) {
+        if (m_failure)
+            return;
+        const auto* const found = m_object.if_contains(key);
+        if (found && !found->is_null())
+            read(*found, value, FieldPath{m_path, key, {}});
+    }
+
+    template <typename T>
+    void writtenOnly(std::string_view, T&) {}
+
+private:
+    using Value = boost::json::value;
+
+    void fail(DecodingError::Kind kind, const FieldPath& path, QString detail);
+    void failType(const Value& found, const char* expected, const FieldPath& path);
+    void failNumber(const Value& found, const FieldPath& path);
+
+    void read(const Value& value, QString& text, const FieldPath& path);
+    void read(const Value& value, bool& flag, const FieldPath& path);
+
+    template <std::integral T>
+        requires(!std::same_as<T, bool>)
+    void read(const Value& value, T& number, const FieldPath& path) {
+        const auto* const signedNumber = value.if_int64();
+        const auto* const unsignedNumber = value.if_uint64();
+        if (signedNumber && std::in_range<T>(*signedNumber))
+            number = static_cast<T>(*signedNumber);
+        else if (unsignedNumber && std::in_range<T>(*unsignedNumber))
+            number = static_cast<T>(*unsignedNumber);
+        else
+            failNumber(value, path);
+    }
+
+    template <typename Enumeration>
+        requires std::is_enum_v<Enumeration>
+    void read(const Value& value, Enumeration& result, const FieldPath& path) {
+        const auto* const word = value.if_string();
+        if (!word)
+            return failType(value, "a string", path);
+        if (const auto known = valueOf(*wireRows<Enumeration>, std::string_view{word->data(), word->size()}))
+            result = *known;
+        else
+            failUnknownWord(*word, path);
+    }
+
+    template <typename Record>
+        requires std::is_class_v<Record>
+    void read(const Value& value, Record& record, const FieldPath& path) {
+        const auto* const object = value.if_object();
+        if (!object)
+            return failType(value, "an object", path);
+        FieldReader reader{*object, m_failure, &path};
+        fields(reader, record);
+    }
+
+    /// The elements of a list of `QString`, of enumerations, or of optional values, which may be null.
+    template <typename List>
+    void readList(const Value& value, List& list, const FieldPath& path) {
+        const auto* const array = value.if_array();
+        if (!array)
+            return failType(value, "an array", path);
+        list.clear();
+        list.reserve(static_cast<decltype(list.size())>(array->size()));
+        std::size_t index = 0;
+        for (const auto& element : *array) {
+            readElement(element, list.emplace_back(), FieldPath{&path, {}, index++});
+            if (m_failure)
+                return;
+        }
+    }
+    void read(const Value& value, QStringList& list, const FieldPath& path) { readList(value, list, path); }
+    template <typename T>
+    void read(const Value& value, std::vector<T>& list, const FieldPath& path) {
+        readList(value, list, path);
+    }
+
+    template <typename T>
+    void readElement(const Value& value, T& element, const FieldPath& path) {
+        read(value, element, path);
+    }
+    template <typename T>
+    void readElement(const Value& value, std::optional<T>& element, const FieldPath& path) {
+        if (!value.is_null())
+            read(value, element.emplace(), path);
+    }
+
+    void failUnknownWord(const boost::json::string& word, const FieldPath& path);
+
+    const boost::json::object& m_object;
+    std::optional<DecodingError>& m_failure;
+    const FieldPath* m_path;
+};
+
+}  // namespace corvellan
