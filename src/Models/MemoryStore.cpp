@@ -16,7 +16,11 @@ QString filePath() {
 }
 
 std::optional<QString> load() {
-    QFile file{filePath()};
+    return loadFrom(filePath());
+}
+
+std::optional<QString> loadFrom(const QString& path) {
+    QFile file{path};
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
     QStringDecoder decode{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};

@@ -12,4 +12,7 @@ namespace corvellan::MemoryStore {
 /// The text as it stands; empty when the file does not read as UTF-8 or holds only white space.
 [[nodiscard]] std::optional<QString> load();
 
+/// As `load`, for a file anywhere.
+[[nodiscard]] std::optional<QString> loadFrom(const QString& path);
+
 }  // namespace corvellan::MemoryStore
