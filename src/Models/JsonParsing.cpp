@@ -93,20 +93,6 @@ struct ExactBuilder {
     json::value_stack values;
 };
 
-const char* kindName(json::kind kind) {
-    switch (kind) {
-    case json::kind::null: return "null";
-    case json::kind::bool_: return "a boolean";
-    case json::kind::int64:
-    case json::kind::uint64:
-    case json::kind::double_: return "a number";
-    case json::kind::string: return "a string";
-    case json::kind::array: return "an array";
-    case json::kind::object: return "an object";
-    }
-    Q_UNREACHABLE();
-}
-
 DecodingError notJson(QString detail) {
     return {DecodingError::Kind::notJson, {}, std::move(detail)};
 }
@@ -160,7 +146,7 @@ std::optional<WholeNumber> wholeNumber(std::string_view number) {
     return static_cast<std::int64_t>(0 - size);
 }
 
-std::expected<const json::object*, DecodingError> JsonDocument::parse(QByteArrayView bytes) {
+std::expected<const json::value*, DecodingError> JsonDocument::parse(QByteArrayView bytes) {
     if (bytes.size() > largestMessageBytes)
         return std::unexpected(notJson(u"the message is too large"_s));
     try {
@@ -179,14 +165,7 @@ std::expected<const json::object*, DecodingError> JsonDocument::parse(QByteArray
     } catch (const std::exception& exception) {
         return std::unexpected(notJson(QString::fromUtf8(exception.what())));
     }
-    const auto* const object = m_root->if_object();
-    if (!object)
-        return std::unexpected(DecodingError{DecodingError::Kind::wrongType, {}, typeMismatch(*m_root, "an object")});
-    return object;
-}
-
-QString typeMismatch(const json::value& found, const char* expected) {
-    return u"expected %1, found %2"_s.arg(QLatin1StringView{expected}, QLatin1StringView{kindName(found.kind())});
+    return &*m_root;
 }
 
 }  // namespace corvellan

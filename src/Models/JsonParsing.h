@@ -38,8 +38,8 @@ public:
     JsonDocument(const JsonDocument&) = delete;
     JsonDocument& operator=(const JsonDocument&) = delete;
 
-    /// Parses; once. The message's object, or why there is none.
-    [[nodiscard]] std::expected<const boost::json::object*, DecodingError> parse(QByteArrayView bytes);
+    /// Parses; once. The root, which lives as long as this, or why there is none.
+    [[nodiscard]] std::expected<const boost::json::value*, DecodingError> parse(QByteArrayView bytes);
 
 private:
     // A usual message fits in here and costs no allocation.
@@ -47,8 +47,5 @@ private:
     boost::json::monotonic_resource m_memory{m_firstMemory.data(), m_firstMemory.size()};
     std::optional<boost::json::value> m_root;
 };
-
-/// What was found in place of what is expected, for the detail of an error.
-[[nodiscard]] QString typeMismatch(const boost::json::value& found, const char* expected);
 
 }  // namespace corvellan

@@ -11,6 +11,20 @@ namespace {
 // Enough of an unknown word to recognise it in a log.
 constexpr std::size_t shownBytes = 60;
 
+const char* kindName(boost::json::kind kind) {
+    switch (kind) {
+    case boost::json::kind::null: return "null";
+    case boost::json::kind::bool_: return "a boolean";
+    case boost::json::kind::int64:
+    case boost::json::kind::uint64:
+    case boost::json::kind::double_: return "a number";
+    case boost::json::kind::string: return "a string";
+    case boost::json::kind::array: return "an array";
+    case boost::json::kind::object: return "an object";
+    }
+    Q_UNREACHABLE();
+}
+
 }  // namespace
 
 QString FieldPath::text() const {
@@ -34,34 +48,35 @@ QString jsonText(const boost::json::string& string) {
     return marks == 0 ? text : QString{marks, QChar::ByteOrderMark} + text;
 }
 
-void FieldReader::fail(DecodingError::Kind kind, const FieldPath& path, QString detail) {
+void ValueReader::fail(DecodingError::Kind kind, const FieldPath& path, QString detail) {
     m_failure = DecodingError{kind, path.text(), std::move(detail)};
 }
 
-void FieldReader::failType(const Value& found, const char* expected, const FieldPath& path) {
-    fail(DecodingError::Kind::wrongType, path, typeMismatch(found, expected));
+void ValueReader::failType(const Value& found, const char* expected, const FieldPath& path) {
+    fail(DecodingError::Kind::wrongType, path,
+         u"expected %1, found %2"_s.arg(QLatin1StringView{expected}, QLatin1StringView{kindName(found.kind())}));
 }
 
-void FieldReader::failUnknownWord(const boost::json::string& word, const FieldPath& path) {
+void ValueReader::failUnknownWord(const boost::json::string& word, const FieldPath& path) {
     const auto shown = static_cast<qsizetype>(std::min(word.size(), shownBytes));
     fail(DecodingError::Kind::unknownValue, path, QString::fromUtf8(word.data(), shown));
 }
 
-void FieldReader::failNumber(const Value& found, const FieldPath& path) {
+void ValueReader::failNumber(const Value& found, const FieldPath& path) {
     if (found.is_number())
         fail(DecodingError::Kind::outOfRange, path, {});
     else
         failType(found, "a whole number", path);
 }
 
-void FieldReader::read(const Value& value, QString& text, const FieldPath& path) {
+void ValueReader::read(const Value& value, QString& text, const FieldPath& path) {
     if (const auto* const string = value.if_string())
         text = jsonText(*string);
     else
         failType(value, "a string", path);
 }
 
-void FieldReader::read(const Value& value, bool& flag, const FieldPath& path) {
+void ValueReader::read(const Value& value, bool& flag, const FieldPath& path) {
     if (const auto* const found = value.if_bool())
         flag = *found;
     else

@@ -31,58 +31,22 @@ struct FieldPath {
 /// Any JSON string as text, a leading byte-order mark included.
 [[nodiscard]] QString jsonText(const boost::json::string& string);
 
-/// Reads the fields of one object (see ProtocolFields.h). The first failure stays, and what follows
-/// it is no longer read.
-class FieldReader {
+/// Reads values of one message into plain ones. The first failure stays.
+class ValueReader {
 public:
-    FieldReader(const boost::json::object& object, std::optional<DecodingError>& failure,
-                const FieldPath* path = nullptr)
-        : m_object(object),
-          m_failure(failure),
-          m_path(path) {}
-
-    template <typename T>
-    void field(std::string_view key, T& value) {
-        if (m_failure)
-            return;
-        const FieldPath path{m_path, key, {}};
-        if (const auto* const found = m_object.if_contains(key))
-            read(*found, value, path);
-        else
-            fail(DecodingError::Kind::missingField, path, {});
-    }
-
-    template <typename T>
-    void field(std::string_view key, std::optional<T>& value) {
-        if (m_failure)
-            return;
-        value.reset();
-        const auto* const found = m_object.if_contains(key);
-        if (found && !found->is_null())
-            read(*found, value.emplace(), FieldPath{m_path, key, {}});
-    }
-
-    template <typename T>
-    void defaulted(std::string_view key, T& value) {
-        if (m_failure)
-            return;
-        const auto* const found = m_object.if_contains(key);
-        if (found && !found->is_null())
-            read(*found, value, FieldPath{m_path, key, {}});
-    }
-
-    template <typename T>
-    void writtenOnly(std::string_view, T&) {}
-
-private:
     using Value = boost::json::value;
 
+    [[nodiscard]] const std::optional<DecodingError>& failure() const { return m_failure; }
+
     void fail(DecodingError::Kind kind, const FieldPath& path, QString detail);
-    void failType(const Value& found, const char* expected, const FieldPath& path);
-    void failNumber(const Value& found, const FieldPath& path);
 
     void read(const Value& value, QString& text, const FieldPath& path);
     void read(const Value& value, bool& flag, const FieldPath& path);
+    void read(const Value& value, QStringList& list, const FieldPath& path) { readList(value, list, path); }
+    template <typename T>
+    void read(const Value& value, std::vector<T>& list, const FieldPath& path) {
+        readList(value, list, path);
+    }
 
     template <std::integral T>
         requires(!std::same_as<T, bool>)
@@ -109,17 +73,17 @@ private:
             failUnknownWord(*word, path);
     }
 
+    /// A record that ProtocolFields.h tells the fields of.
     template <typename Record>
         requires std::is_class_v<Record>
-    void read(const Value& value, Record& record, const FieldPath& path) {
-        const auto* const object = value.if_object();
-        if (!object)
-            return failType(value, "an object", path);
-        FieldReader reader{*object, m_failure, &path};
-        fields(reader, record);
-    }
+    void read(const Value& value, Record& record, const FieldPath& path);
 
-    /// The elements of a list of `QString`, of enumerations, or of optional values, which may be null.
+private:
+    void failType(const Value& found, const char* expected, const FieldPath& path);
+    void failNumber(const Value& found, const FieldPath& path);
+    void failUnknownWord(const boost::json::string& word, const FieldPath& path);
+
+    /// The elements of a list of strings, of enumerations, or of optional values, which may be null.
     template <typename List>
     void readList(const Value& value, List& list, const FieldPath& path) {
         const auto* const array = value.if_array();
@@ -134,12 +98,6 @@ private:
                 return;
         }
     }
-    void read(const Value& value, QStringList& list, const FieldPath& path) { readList(value, list, path); }
-    template <typename T>
-    void read(const Value& value, std::vector<T>& list, const FieldPath& path) {
-        readList(value, list, path);
-    }
-
     template <typename T>
     void readElement(const Value& value, T& element, const FieldPath& path) {
         read(value, element, path);
@@ -150,11 +108,64 @@ private:
             read(value, element.emplace(), path);
     }
 
-    void failUnknownWord(const boost::json::string& word, const FieldPath& path);
+    std::optional<DecodingError> m_failure;
+};
+
+/// Reads the fields of one object (see ProtocolFields.h). After a failure nothing more is read.
+class FieldReader {
+public:
+    FieldReader(const boost::json::object& object, ValueReader& values, const FieldPath* path = nullptr)
+        : m_object(object),
+          m_values(values),
+          m_path(path) {}
+
+    template <typename T>
+    void field(std::string_view key, T& value) {
+        if (m_values.failure())
+            return;
+        const FieldPath path{m_path, key, {}};
+        if (const auto* const found = m_object.if_contains(key))
+            m_values.read(*found, value, path);
+        else
+            m_values.fail(DecodingError::Kind::missingField, path, {});
+    }
+
+    template <typename T>
+    void field(std::string_view key, std::optional<T>& value) {
+        value.reset();
+        if (const auto* const found = present(key))
+            m_values.read(*found, value.emplace(), FieldPath{m_path, key, {}});
+    }
+
+    template <typename T>
+    void defaulted(std::string_view key, T& value) {
+        if (const auto* const found = present(key))
+            m_values.read(*found, value, FieldPath{m_path, key, {}});
+    }
+
+    template <typename T>
+    void writtenOnly(std::string_view, T&) {}
+
+private:
+    /// Null when the value is missing or null, and after a failure.
+    [[nodiscard]] const boost::json::value* present(std::string_view key) const {
+        const auto* const found = m_values.failure() ? nullptr : m_object.if_contains(key);
+        return found && !found->is_null() ? found : nullptr;
+    }
 
     const boost::json::object& m_object;
-    std::optional<DecodingError>& m_failure;
+    ValueReader& m_values;
     const FieldPath* m_path;
 };
+
+template <typename Record>
+    requires std::is_class_v<Record>
+void ValueReader::read(const Value& value, Record& record, const FieldPath& path) {
+    const auto* const object = value.if_object();
+    if (!object)
+        return failType(value, "an object", path);
+    FieldReader reader{*object, *this, &path};
+    fields(reader, record);
+}
 
 }  // namespace corvellan

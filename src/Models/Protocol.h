@@ -48,6 +48,12 @@ struct EncodingError {
 [[nodiscard]] Decoded<MeddicScore> decodeMeddicScore(QByteArrayView json);
 [[nodiscard]] Decoded<BuyerDisc> decodeBuyerDisc(QByteArrayView json);
 
+/// Lists as JSON arrays, the form in which the record store keeps them. An absent element is a null.
+[[nodiscard]] QByteArray encode(const QStringList& list);
+[[nodiscard]] QByteArray encode(const std::vector<std::optional<QString>>& list);
+[[nodiscard]] Decoded<QStringList> decodeStrings(QByteArrayView json);
+[[nodiscard]] Decoded<std::vector<std::optional<QString>>> decodeOptionalStrings(QByteArrayView json);
+
 /// Evidence quotes by criterion, in the order of `MeddicScore::values`.
 using MeddicEvidence = std::array<std::optional<QString>, meddicCriteria>;
 

@@ -7,19 +7,48 @@ namespace corvellan {
 
 namespace {
 
+// Enough of an unknown type to recognise it in a log.
+constexpr qsizetype shownCharacters = 60;
+
+/// Parses `json` and hands its object to `read`, which takes a `FieldReader` and a `ValueReader`.
+template <typename T, typename Read>
+Decoded<T> decodeObject(QByteArrayView json, Read read) {
+    JsonDocument document;
+    const auto root = document.parse(json);
+    if (!root)
+        return std::unexpected(Error{root.error()});
+    ValueReader values;
+    T result;
+    if (const auto* const object = (*root)->if_object()) {
+        FieldReader fieldReader{*object, values};
+        read(fieldReader, values, result);
+    } else {
+        values.fail(DecodingError::Kind::wrongType, {}, u"expected an object"_s);
+    }
+    if (values.failure())
+        return std::unexpected(Error{*values.failure()});
+    return result;
+}
+
 template <typename Record>
 Decoded<Record> decodeRecord(QByteArrayView json) {
+    return decodeObject<Record>(json,
+                                [](FieldReader& reader, ValueReader&, Record& record) { fields(reader, record); });
+}
+
+/// Any list that a `ValueReader` knows.
+template <typename List>
+Decoded<List> decodeList(QByteArrayView json) {
     JsonDocument document;
-    const auto object = document.parse(json);
-    if (!object)
-        return std::unexpected(Error{object.error()});
-    std::optional<DecodingError> failure;
-    FieldReader reader{**object, failure};
-    Record record;
-    fields(reader, record);
-    if (failure)
-        return std::unexpected(Error{*failure});
-    return record;
+    const auto root = document.parse(json);
+    if (!root)
+        return std::unexpected(Error{root.error()});
+    ValueReader values;
+    List list;
+    values.read(**root, list, {});
+    if (values.failure())
+        return std::unexpected(Error{*values.failure()});
+    return list;
 }
 
 /// Reads the message whose word is `word` into `value`. False when no message of the family has it.
@@ -36,24 +65,12 @@ bool readMessage(std::string_view word, FieldReader& reader, std::variant<Messag
 
 template <typename Family>
 Decoded<Family> decodeMessage(std::string_view typeKey, QByteArrayView json) {
-    JsonDocument document;
-    const auto object = document.parse(json);
-    if (!object)
-        return std::unexpected(Error{object.error()});
-    std::optional<DecodingError> failure;
-    FieldReader reader{**object, failure};
-    QString type;
-    reader.field(typeKey, type);
-    if (failure)
-        return std::unexpected(Error{*failure});
-    Family message;
-    const auto& word = (*object)->at(typeKey).as_string();
-    if (!readMessage({word.data(), word.size()}, reader, message.value))
-        failure =
-            DecodingError{DecodingError::Kind::unknownValue, FieldPath{nullptr, typeKey, {}}.text(), type.left(60)};
-    if (failure)
-        return std::unexpected(Error{*failure});
-    return message;
+    return decodeObject<Family>(json, [typeKey](FieldReader& reader, ValueReader& values, Family& message) {
+        QString type;
+        reader.field(typeKey, type);
+        if (!values.failure() && !readMessage(type.toStdString(), reader, message.value))
+            values.fail(DecodingError::Kind::unknownValue, FieldPath{nullptr, typeKey, {}}, type.left(shownCharacters));
+    });
 }
 
 }  // namespace
@@ -80,6 +97,14 @@ Decoded<MeddicScore> decodeMeddicScore(QByteArrayView json) {
 
 Decoded<BuyerDisc> decodeBuyerDisc(QByteArrayView json) {
     return decodeRecord<BuyerDisc>(json);
+}
+
+Decoded<QStringList> decodeStrings(QByteArrayView json) {
+    return decodeList<QStringList>(json);
+}
+
+Decoded<std::vector<std::optional<QString>>> decodeOptionalStrings(QByteArrayView json) {
+    return decodeList<std::vector<std::optional<QString>>>(json);
 }
 
 Decoded<ClientMsg> ClientMsg::decode(QByteArrayView json) {

@@ -9,36 +9,36 @@ namespace corvellan {
 
 namespace {
 
-/// Builds one object with `write` and gives its bytes.
-template <typename Write>
-QByteArray writtenObject(Write write) {
-    std::array<unsigned char, 8 * 1024> firstMemory;
-    boost::json::monotonic_resource memory{firstMemory.data(), firstMemory.size()};
-    boost::json::value root(boost::json::object_kind, &memory);
-    write(root.get_object());
-    return serialized(root);
+/// Memory for one message on the stack; what does not fit goes to the heap.
+class MessageMemory {
+public:
+    [[nodiscard]] boost::json::storage_ptr storage() { return &m_memory; }
+
+private:
+    std::array<unsigned char, 8 * 1024> m_firstMemory;
+    boost::json::monotonic_resource m_memory{m_firstMemory.data(), m_firstMemory.size()};
+};
+
+template <typename T>
+QByteArray encodeValue(const T& value) {
+    MessageMemory memory;
+    return serialized(ValueWriter{memory.storage()}.json(value));
 }
 
-template <typename Record>
-QByteArray encodeRecord(const Record& record) {
-    return writtenObject([&](boost::json::object& object) {
-        FieldWriter writer{object};
-        fields(writer, record);
-    });
-}
-
-template <typename Value>
-std::expected<QByteArray, Error> encodeMessage(std::string_view typeKey, const Value& value) {
+template <typename Family>
+std::expected<QByteArray, Error> encodeMessage(std::string_view typeKey, const Family& family) {
     try {
-        return writtenObject([&](boost::json::object& object) {
-            std::visit(
-                [&]<typename Message>(const Message& message) {
-                    object.emplace(typeKey, typeWord<Message>);
-                    FieldWriter writer{object};
-                    fields(writer, message);
-                },
-                value);
-        });
+        MessageMemory memory;
+        boost::json::value root(boost::json::object_kind, memory.storage());
+        auto& object = root.get_object();
+        std::visit(
+            [&]<typename Message>(const Message& message) {
+                object.emplace(typeKey, typeWord<Message>);
+                FieldWriter writer{object};
+                fields(writer, message);
+            },
+            family.value);
+        return serialized(root);
     } catch (const std::exception& exception) {
         return std::unexpected(Error{EncodingError{QString::fromUtf8(exception.what())}});
     }
@@ -51,19 +51,27 @@ QString EncodingError::errorDescription() const {
 }
 
 QByteArray encode(const MeddicScore& score) {
-    return encodeRecord(score);
+    return encodeValue(score);
 }
 
 QByteArray encode(const BuyerDisc& disc) {
-    return encodeRecord(disc);
+    return encodeValue(disc);
+}
+
+QByteArray encode(const QStringList& list) {
+    return encodeValue(list);
+}
+
+QByteArray encode(const std::vector<std::optional<QString>>& list) {
+    return encodeValue(list);
 }
 
 std::expected<QByteArray, Error> ClientMsg::encode() const {
-    return encodeMessage(wire::client::type, value);
+    return encodeMessage(wire::client::type, *this);
 }
 
 std::expected<QByteArray, Error> ServerMsg::encode() const {
-    return encodeMessage(wire::server::type, value);
+    return encodeMessage(wire::server::type, *this);
 }
 
 }  // namespace corvellan
