@@ -198,6 +198,14 @@ testNames() {
     (cd "$houseRoot/build/$preset" && ctest -N "$@") | sed -n 's/^ *Test *#[0-9]*: //p'
 }
 
+# knownTargets PRESET NAME...: those of the names that can be built.
+knownTargets() {
+    local preset=$1
+    shift
+    comm -12 <(printf '%s\n' "$@" | sort -u) \
+        <(ninja -C "$houseRoot/build/$preset" -t targets all | sed -n 's/^\([^/:]*\): phony$/\1/p' | sort -u)
+}
+
 # --- Private surroundings -------------------------------------------------------------------------
 
 # privateFolder: a short path, since socket names are limited to 107 bytes.

@@ -42,4 +42,4 @@ privateHome
 privateBus
 privateAccessibility
 privateSound
-runChild demo /usr/bin/python3 "$houseRoot/tools/demo/demo.py" "${passed[@]}"
+runChild demo /usr/bin/python3 -B "$houseRoot/tools/demo/demo.py" "${passed[@]}"

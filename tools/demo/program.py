@@ -55,13 +55,22 @@ class Program:
 
     # --- What it costs ---
 
-    def cpu_seconds(self):
-        fields = Path(f"/proc/{self.pid}/stat").read_text().rsplit(")", 1)[1].split()
+    @staticmethod
+    def cpu_of(pid):
+        """Seconds of processor time so far."""
+        fields = Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
-    def pss_mb(self):
-        rollup = Path(f"/proc/{self.pid}/smaps_rollup").read_text()
+    @staticmethod
+    def pss_of(pid):
+        rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
         return int(re.search(r"^Pss:\s+(\d+) kB", rollup, re.MULTILINE)[1]) / 1024
+
+    def cpu_seconds(self):
+        return self.cpu_of(self.pid)
+
+    def pss_mb(self):
+        return self.pss_of(self.pid)
 
     # --- What it counts ---
 

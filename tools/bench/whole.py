@@ -1,0 +1,115 @@
+"""Measures the whole program: its start, its memory, and what a call costs (from the demo's report).
+
+Expects private surroundings.
+"""
+
+import argparse
+import json
+import os
+import statistics
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+import rows
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "demo"))
+
+from program import Program, wait_for  # noqa: E402
+
+STARTS = 5
+SETTLE_SECONDS = 2.0
+
+
+def start_program(path, log):
+    """First frame and store in milliseconds, memory in MB a little later."""
+    program = Program([str(path)], log)
+    try:
+        counters = wait_for(
+            "the first frame", 30,
+            lambda: (found := program.counters_or_none()) and found["first_frame_microseconds"] >= 0 and found,
+        )
+        time.sleep(SETTLE_SECONDS)
+        return counters["first_frame_microseconds"] / 1000, program.pss_mb()
+    finally:
+        program.end()
+
+
+def start_bare_window(path):
+    process = subprocess.Popen([str(path)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+    try:
+        first_frame = int(process.stdout.readline()) / 1000
+        time.sleep(SETTLE_SECONDS)
+        return first_frame, Program.pss_of(process.pid)
+    finally:
+        process.terminate()
+        process.wait()
+        process.stdout.close()
+
+
+def bare_capture_cpu(seconds=10):
+    """Percent of a core that recording both sides and throwing them away takes."""
+    recorders = [
+        subprocess.Popen(["parec", "-d", source, "--latency-msec=100"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        for source in ("mic", "spk.monitor")
+    ]
+    try:
+        time.sleep(1)
+        before = sum(Program.cpu_of(recorder.pid) for recorder in recorders)
+        time.sleep(seconds)
+        return 100 * (sum(Program.cpu_of(recorder.pid) for recorder in recorders) - before) / seconds
+    finally:
+        for recorder in recorders:
+            recorder.terminate()
+            recorder.wait()
+
+
+def start_rows(programs, log):
+    home = Path(os.environ["HOME"])
+    settings = home / ".config/corvellan/bram.ini"
+    settings.parent.mkdir(parents=True, exist_ok=True)
+    settings.write_text("[General]\nserverMode=local\nonboardingCompleted=true\n")
+    program, bare = programs / "corvellan-bram-sandbox", programs / "peer/BareWindow"
+    # The first start of each warms the caches.
+    start_program(program, log)
+    start_bare_window(bare)
+    ours = [start_program(program, log) for _ in range(STARTS)]
+    peer = [start_bare_window(bare) for _ in range(STARTS)]
+    found = []
+    for what, unit, index in (("Start to first frame, warm", "ms", 0), ("Memory, idle (PSS)", "MB", 1)):
+        figure = statistics.median(entry[index] for entry in ours)
+        other = statistics.median(entry[index] for entry in peer)
+        found.append(rows.Row(what, f"{figure:.0f} {unit}", f"empty window {other:.0f} {unit}", rows.ratio_of(figure, other)))
+    return found
+
+
+def call_rows(report):
+    overhead = report["client_overhead_ms"]
+    capture = bare_capture_cpu()
+    cpu = report["cpu_percent_of_core"]
+    return [
+        rows.Row("Call: memory (PSS)", f"{report['pss_mb']:.0f} MB"),
+        rows.Row("Call: CPU, both sides and overlay", f"{cpu:.2f} %", f"parec, both sides {capture:.2f} %", rows.ratio_of(cpu, capture)),
+        rows.Row("Call: tip to screen, median", f"{report['tip_latency_ms']} ms", "a frame at 60 Hz 16.7 ms",
+                 rows.ratio_of(report["tip_latency_ms"], 16.7)),
+        rows.Row("Call: audio through the program, median", f"{overhead['median']} ms"),
+        rows.Row("Call: audio through the program, p99", f"{overhead['p99']} ms"),
+    ]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--bin", required=True, type=Path)
+    parser.add_argument("--report", type=Path, help="of a demo call just played")
+    parser.add_argument("--rows", required=True)
+    options = parser.parse_args()
+    found = start_rows(options.bin, Path(options.rows).with_suffix(".log"))
+    if options.report and options.report.exists():
+        found += call_rows(json.loads(options.report.read_text()))
+    rows.save(found, options.rows)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
