@@ -67,7 +67,7 @@ class Call:
             "records": self.records,
         }
         evidence = judgement.Evidence(
-            self.lines, record if self.records else None, self.counters, self.folder, "", []
+            self.lines, record if self.records else None, self.counters, self.folder, ["Stage: Discovery"]
         )
         self.report, failures = judgement.judge(evidence)
         return [failure.split(":")[0] for failure in failures]
@@ -82,6 +82,7 @@ class DemoJudgementTest(unittest.TestCase):
     def test_passes_a_good_call(self):
         self.assertEqual(self.call.failures(), [])
         self.assertEqual(self.call.report["meddic_score"], 1)
+        self.assertEqual(self.call.report["stage_final"], "Discovery")
         self.assertGreater(self.call.report["audio_correlation_mic"], 0.98)
 
     def test_notices_a_missing_line(self):

@@ -37,13 +37,7 @@ def say(text):
 def port_is_open(port):
     with socket.socket() as probe:
         probe.settimeout(1)
-        return probe.connect_ex(("127.0.0.1", port)) == 0 or answers("127.0.0.2", port)
-
-
-def answers(address, port):
-    with socket.socket() as probe:
-        probe.settimeout(1)
-        return probe.connect_ex((address, port)) == 0
+        return probe.connect_ex(("127.0.0.1", port)) == 0
 
 
 class Demo:
@@ -97,8 +91,8 @@ class Demo:
         command = [self.programs / "corvellan-sandbox", "--script", self.options.script]
         command += ["--lengths", self.output / "lengths.json", "--keep-audio", self.received]
         self.sandbox = Program([str(part) for part in command], self.output / "sandbox.log")
-        for port in PORTS:
-            wait_for(f"the sandbox on port {port}", 20, lambda port=port: self.alive(self.sandbox) and port_is_open(port))
+        log = self.output / "sandbox.log"
+        wait_for("the sandbox's word that it is ready", 20, lambda: self.alive(self.sandbox) and "\nready\n" in log.read_text())
 
     def start_program(self):
         say("==> Starting the program")
@@ -197,7 +191,6 @@ class Demo:
             record=self.newest_record(),
             counters=self.counters,
             received=self.received,
-            sandbox_log=(self.output / "sandbox.log").read_text(errors="replace"),
             shown=self.shown,
         )
         report, failures = judgement.judge(evidence)
@@ -210,7 +203,7 @@ class Demo:
         say("")
         say(judgement.summary(report))
         say(f"Look at {self.output}: report.json, {', '.join(self.screenshots)}, debug.log, sandbox.log,")
-        say("program.log, played-*.wav and received/*.wav")
+        say("program.log, played-*.wav and received/*/*.wav")
         return 1 if failures else 0
 
     def newest_record(self):

@@ -2,7 +2,6 @@
 likeness of the audio; times, CPU and memory are only reported."""
 
 import json
-import re
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -22,7 +21,6 @@ class Evidence:
     record: dict | None
     counters: dict
     received: Path
-    sandbox_log: str
     shown: list
 
 
@@ -109,9 +107,11 @@ def decoded(value):
 
 
 def final_stage(evidence):
-    """As the sandbox told it last."""
-    stages = re.findall(r"\bstage[ =:]+(\w+)", evidence.sandbox_log)
-    return stages[-1] if stages else None
+    """As the overlay showed it last, before the call was ended."""
+    for name in evidence.shown:
+        if name.startswith("Stage: "):
+            return name.removeprefix("Stage: ")
+    return None
 
 
 def judge_bytes(evidence, report, failures):
@@ -131,7 +131,7 @@ def judge_bytes(evidence, report, failures):
 
 
 def received_file(folder, side):
-    found = sorted(folder.glob(f"*{side}*.wav"))
+    found = sorted(folder.rglob(f"{side}.wav"))
     return found[0] if found else None
 
 
