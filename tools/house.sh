@@ -50,7 +50,7 @@ endGroup() {
     fi
     while kill -0 -- "-$pid" 2>/dev/null; do
         # A child that has ended but was not waited for still counts as a member of its group.
-        if ! kill -0 "$pid" 2>/dev/null || [[ $(ps -o stat= -p "$pid") == Z* ]]; then
+        if grep -qs '^State:.Z' "/proc/$pid/status"; then
             wait "$pid" 2>/dev/null || true
         fi
         ((++waited > 100)) && kill -KILL -- "-$pid" 2>/dev/null
