@@ -35,8 +35,10 @@ def wait_for(what, seconds, ask, every=0.1):
 class Program:
     def __init__(self, command, log):
         self._log = open(log, "wb")
+        # Qt leaves accessibility off when this is set, and finds the bus through the session anyway.
+        environment = {name: value for name, value in os.environ.items() if name != "AT_SPI_BUS_ADDRESS"}
         self.process = subprocess.Popen(
-            command, stdin=subprocess.DEVNULL, stdout=self._log, stderr=subprocess.STDOUT
+            command, stdin=subprocess.DEVNULL, stdout=self._log, stderr=subprocess.STDOUT, env=environment
         )
         self.pid = self.process.pid
 
