@@ -1,0 +1,58 @@
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "Base/Clock.h"
+#include "Models/Protocol.h"
+
+namespace corvellan::sandbox {
+
+/// One call as the coaching server keeps it.
+struct CallRecord {
+    struct Feedback {
+        int rating = 0;
+        std::optional<QString> note;
+        std::optional<QString> featureRequest;
+    };
+
+    QString callId;  ///< A UUID in lower case.
+    QString sessionId;
+    StartSessionPayload start;
+    WallTime startedAt;
+    std::optional<WallTime> endedAt;  ///< Empty while the call runs.
+    std::uint64_t durationSecs = 0;
+    int turns = 0;
+    CallStateSnapshot state;
+    QStringList coachingPoints;
+    QStringList transcript;
+    bool hasSummary = false;  ///< It ended by "end_session" and not by a lost connection.
+    bool sharesScreen = false;
+    std::optional<CallOutcome> outcome;
+    std::vector<Feedback> feedback;
+};
+
+/// The calls of this run of the sandbox, in memory. References stay good while the book lives. One thread.
+class CallBook {
+public:
+    CallRecord& add(CallRecord call);
+
+    /// Null when there is none.
+    [[nodiscard]] CallRecord* find(const QString& callId);
+
+    [[nodiscard]] const std::deque<CallRecord>& calls() const { return m_calls; }
+
+private:
+    std::deque<CallRecord> m_calls;
+};
+
+/// The row of a call list.
+[[nodiscard]] QJsonObject listedCall(const CallRecord& call);
+/// A call with everything that is kept of it.
+[[nodiscard]] QJsonObject wholeCall(const CallRecord& call);
+
+}  // namespace corvellan::sandbox

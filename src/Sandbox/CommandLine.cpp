@@ -1,0 +1,228 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+#include <iterator>
+#include <QCommandLineParser>
+#include <QFile>
+
+#include "Base/Text.h"
+#include "CallScript.h"
+#include "Recogniser.h"
+#include "UtteranceFinder.h"
+#include "WavFile.h"
+
+namespace corvellan::sandbox {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Bad = std::unexpected<QString>;
+
+QString helpText() {
+    return u"corvellan-sandbox: stands in for the coaching server and the transcription provider on 127.0.0.1 and\n"
+           u"127.0.0.2. Ends with Ctrl+C.\n\n"
+           u"  corvellan-sandbox [options]\n"
+           u"  corvellan-sandbox script FILE [--lengths FILE] [--list | --json]   print a script\n"
+           u"  corvellan-sandbox measure FILE.wav...                              seconds of speech, as --lengths "
+           u"reads\n\n"
+           u"Where the texts of utterances come from (with neither, each becomes a line with its length):\n"
+           u"  --script FILE              a call script, or the name of one that comes along: discovery-call\n"
+           u"  --lengths FILE             the measured lengths of its lines, a JSON array of seconds\n"
+           u"  --transcriber 'CMD {wav}'  a command that prints what was said in a WAV file\n"
+           u"  --transcriber-limit S      its longest time for one utterance, in seconds (30)\n\n"
+           u"  --coach-port N             the coach's port, 0 for a free one (3001)\n"
+           u"  --stt-port N               the provider's port, 0 for a free one (3003)\n"
+           u"  --keep-audio DIR           keep what was received: DIR/<session>/mic.wav and system.wav\n"
+           u"  --close-after MS           from the summary to the close (500)\n\n"
+           u"Misbehaviour, each repeatable:\n"
+           u"  --fault NAME\n      "_s +
+           Faults::help().join(u"\n      "_s) +
+           u"\n  --proxy [coach:|stt:]MODE[:N]   in front of one server, or of both\n      "_s +
+           WireFault::help().join(u"\n      "_s) + u'\n';
+}
+
+std::expected<QByteArray, QString> contents(const QString& path) {
+    QFile file{path};
+    if (!file.open(QIODevice::ReadOnly))
+        return Bad{u"Cannot read %1: %2"_s.arg(path, file.errorString())};
+    return file.readAll();
+}
+
+std::expected<CallScript, QString> loadScript(const QString& name, const QString& lengthsFile) {
+    auto script = CallScript::load(name);
+    if (!script)
+        return Bad{name + u": "_s + script.error().errorDescription()};
+    if (lengthsFile.isEmpty())
+        return *script;
+    const auto lengths = contents(lengthsFile);
+    if (!lengths)
+        return Bad{lengths.error()};
+    if (const auto used = script->useLengths(*lengths); !used)
+        return Bad{lengthsFile + u": "_s + used.error().errorDescription()};
+    return *script;
+}
+
+std::expected<qint64, QString> number(const QCommandLineParser& parser, const QString& option, qint64 lowest,
+                                      qint64 highest) {
+    bool isNumber = false;
+    const QString text = parser.value(option);
+    const qint64 value = text.toLongLong(&isNumber);
+    if (!isNumber || value < lowest || value > highest)
+        return Bad{u"--%1 takes a number from %2 to %3, not \"%4\""_s.arg(option).arg(lowest).arg(highest).arg(text)};
+    return value;
+}
+
+std::expected<void, QString> addProxy(SandboxOptions& options, const QString& text) {
+    const QString where = text.section(u':', 0, 0);
+    const bool isNamed = where == u"coach"_s || where == u"stt"_s;
+    const auto fault = WireFault::parse(isNamed ? text.section(u':', 1) : text);
+    if (!fault)
+        return Bad{u"--proxy: "_s + fault.error()};
+    if (where != u"stt"_s)
+        options.coachWire = *fault;
+    if (where != u"coach"_s)
+        options.providerWire = *fault;
+    return {};
+}
+
+std::expected<void, QString> chooseTexts(const QCommandLineParser& parser, ServeCommand& serve) {
+    const QString script = parser.value(u"script"_s);
+    const QString command = parser.value(u"transcriber"_s);
+    if (!script.isEmpty() && !command.isEmpty())
+        return Bad{u"Texts come from --script or from --transcriber, not from both"_s};
+    if (script.isEmpty() && parser.isSet(u"lengths"_s))
+        return Bad{u"--lengths goes with --script"_s};
+    if (!script.isEmpty()) {
+        auto loaded = loadScript(script, parser.value(u"lengths"_s));
+        if (!loaded)
+            return Bad{loaded.error()};
+        serve.texts = u"texts from the script %1, %2 lines, %3 s"_s.arg(script)
+                          .arg(loaded->lines.size())
+                          .arg(text::fixed(loaded->durationSeconds(), 0));
+        serve.options.texts = scriptTexts(std::move(*loaded));
+        return {};
+    }
+    if (!command.isEmpty()) {
+        if (!command.contains(u"{wav}"_s))
+            return Bad{u"--transcriber: the command needs {wav} where the file's name goes"_s};
+        const auto limit = number(parser, u"transcriber-limit"_s, 1, 3600);
+        if (!limit)
+            return Bad{limit.error()};
+        serve.options.texts = commandTexts({.command = command, .limit = std::chrono::seconds{*limit}});
+        serve.texts = u"texts from the recogniser: %1"_s.arg(command);
+        return {};
+    }
+    serve.texts =
+        u"no recogniser: each utterance becomes a line with its length. Name one with "
+        u"--transcriber 'CMD {wav}' (a command that prints what was said in a WAV file), or a script "
+        u"with --script FILE"_s;
+    return {};
+}
+
+std::expected<Command, QString> parseServe(const QStringList& arguments) {
+    QCommandLineParser parser;
+    const QCommandLineOption help{{u"help"_s, u"h"_s}};
+    parser.addOptions({
+        help,
+        {u"script"_s, {}, u"file"_s},
+        {u"lengths"_s, {}, u"file"_s},
+        {u"transcriber"_s, {}, u"command"_s},
+        {u"transcriber-limit"_s, {}, u"seconds"_s, u"30"_s},
+        {u"coach-port"_s, {}, u"port"_s, u"3001"_s},
+        {u"stt-port"_s, {}, u"port"_s, u"3003"_s},
+        {u"keep-audio"_s, {}, u"folder"_s},
+        {u"close-after"_s, {}, u"ms"_s, u"500"_s},
+        {u"fault"_s, {}, u"name"_s},
+        {u"proxy"_s, {}, u"mode"_s},
+    });
+    if (!parser.parse(QStringList{u"corvellan-sandbox"_s} + arguments))
+        return Bad{parser.errorText()};
+    if (parser.isSet(help))
+        return HelpCommand{helpText()};
+    if (!parser.positionalArguments().isEmpty())
+        return Bad{u"There is no command \"%1\""_s.arg(parser.positionalArguments().first())};
+
+    ServeCommand serve;
+    constexpr qint64 highestPort = 65'535;
+    const auto coachPort = number(parser, u"coach-port"_s, 0, highestPort);
+    const auto providerPort = number(parser, u"stt-port"_s, 0, highestPort);
+    const auto closeAfter = number(parser, u"close-after"_s, 0, 3'600'000);
+    for (const auto* value : {&coachPort, &providerPort, &closeAfter})
+        if (!*value)
+            return Bad{value->error()};
+    serve.options.coachPort = static_cast<quint16>(*coachPort);
+    serve.options.providerPort = static_cast<quint16>(*providerPort);
+    serve.options.closeAfter = std::chrono::milliseconds{*closeAfter};
+    serve.options.keepAudioFolder = parser.value(u"keep-audio"_s);
+    for (const auto& name : parser.values(u"fault"_s))
+        if (const auto added = serve.options.faults.add(name); !added)
+            return Bad{u"--fault: "_s + added.error()};
+    for (const auto& mode : parser.values(u"proxy"_s))
+        if (const auto added = addProxy(serve.options, mode); !added)
+            return Bad{added.error()};
+    if (const auto chosen = chooseTexts(parser, serve); !chosen)
+        return Bad{chosen.error()};
+    return serve;
+}
+
+std::expected<Command, QString> parseScript(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOptions({{u"lengths"_s, {}, u"file"_s}, {u"list"_s, {}}, {u"json"_s, {}}});
+    if (!parser.parse(QStringList{u"corvellan-sandbox script"_s} + arguments))
+        return Bad{parser.errorText()};
+    if (parser.positionalArguments().size() != 1 || (parser.isSet(u"list"_s) && parser.isSet(u"json"_s)))
+        return Bad{u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"_s};
+    return ScriptCommand{.file = parser.positionalArguments().first(),
+                         .lengthsFile = parser.value(u"lengths"_s),
+                         .form = parser.isSet(u"json"_s) ? ScriptCommand::Form::json : ScriptCommand::Form::list};
+}
+
+}  // namespace
+
+std::expected<Command, QString> parseCommandLine(const QStringList& arguments) {
+    const QString first = arguments.value(0);
+    if (first == u"script"_s)
+        return parseScript(arguments.sliced(1));
+    if (first == u"measure"_s) {
+        if (arguments.size() < 2)
+            return Bad{u"Usage: corvellan-sandbox measure FILE.wav..."_s};
+        return MeasureCommand{arguments.sliced(1)};
+    }
+    return parseServe(arguments);
+}
+
+std::expected<QString, QString> run(const ScriptCommand& command) {
+    const auto script = loadScript(command.file, command.lengthsFile);
+    if (!script)
+        return Bad{script.error()};
+    return command.form == ScriptCommand::Form::json ? QString::fromUtf8(script->json()) : script->list();
+}
+
+std::expected<QString, QString> run(const MeasureCommand& command) {
+    // As the program's clients ask for it: from the first sound to the last, short rests included.
+    constexpr TurnDetection detection{.threshold = 0.6, .silence = std::chrono::milliseconds{2000}};
+    QStringList lengths;
+    for (const auto& path : command.files) {
+        const auto audio = readWav(path);
+        if (!audio)
+            return Bad{audio.error().errorDescription()};
+        UtteranceFinder finder{detection, audio->sampleRateHertz};
+        auto events = finder.feed(audio->samples);
+        std::ranges::move(finder.finish(), std::back_inserter(events));
+        double seconds = 0;
+        int utterances = 0;
+        for (const auto& event : events) {
+            if (const auto* utterance = std::get_if<Utterance>(&event)) {
+                seconds = utterance->seconds();
+                ++utterances;
+            }
+        }
+        if (utterances != 1)
+            return Bad{u"%1 holds %2 utterances, not one"_s.arg(path).arg(utterances)};
+        lengths.append(text::fixed(seconds, 2));
+    }
+    return u"["_s + lengths.join(u", "_s) + u"]\n"_s;
+}
+
+}  // namespace corvellan::sandbox

@@ -1,0 +1,71 @@
+#include "Sandbox.h"
+
+#include "CoachRoutes.h"
+#include "Listening.h"
+
+namespace corvellan::sandbox {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Opens `server` on the port that clients know, or behind a proxy that has that port.
+template <typename Server>
+std::expected<quint16, Error> open(Server& server, std::unique_ptr<WireProxy>& proxy, std::optional<WireFault> wire,
+                                   quint16 port, Clock& clock, const EventLog& log) {
+    const auto addresses = loopbackAddresses();
+    const auto own = server.listen(addresses, wire ? 0 : port);
+    if (!own || !wire)
+        return own;
+    proxy = std::make_unique<WireProxy>(*wire, *own, clock, log);
+    return proxy->listen(addresses, port);
+}
+
+}  // namespace
+
+Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
+    : m_clock(clock),
+      m_log(log),
+      m_provider(
+          {.texts = std::move(options.texts), .keepAudioFolder = options.keepAudioFolder, .faults = options.faults},
+          m_tokens, log),
+      m_coach({.settings = {.faults = options.faults, .closeAfter = options.closeAfter, .providerPort = 0},
+               .tokens = m_tokens,
+               .calls = m_calls,
+               .log = log,
+               .clock = clock}) {
+    addCoachRoutes(m_coach.http(), m_calls, m_provider);
+}
+
+std::expected<std::unique_ptr<Sandbox>, Error> Sandbox::start(SandboxOptions options, Clock& clock,
+                                                              const EventLog& log) {
+    std::unique_ptr<Sandbox> sandbox{new Sandbox{options, clock, log}};
+    if (const auto listening = sandbox->listen(options); !listening)
+        return std::unexpected(listening.error());
+    return sandbox;
+}
+
+std::expected<void, Error> Sandbox::listen(const SandboxOptions& options) {
+    const auto provider = open(m_provider, m_providerProxy, options.providerWire, options.providerPort, m_clock, m_log);
+    if (!provider)
+        return std::unexpected(provider.error());
+    const auto coach = open(m_coach, m_coachProxy, options.coachWire, options.coachPort, m_clock, m_log);
+    if (!coach)
+        return std::unexpected(coach.error());
+    m_providerPort = *provider;
+    m_coachPort = *coach;
+    m_coach.setProviderPort(m_providerPort);
+    return {};
+}
+
+QStringList Sandbox::addressLines() const {
+    QStringList lines;
+    for (const auto& address : loopbackAddresses()) {
+        lines.append(u"coach ws://%1:%2/ws"_s.arg(address.toString()).arg(m_coachPort));
+        lines.append(u"rest http://%1:%2"_s.arg(address.toString()).arg(m_coachPort));
+        lines.append(u"stt ws://%1:%2/v1/realtime"_s.arg(address.toString()).arg(m_providerPort));
+    }
+    return lines;
+}
+
+}  // namespace corvellan::sandbox

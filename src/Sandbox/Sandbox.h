@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <expected>
+#include <memory>
+#include <optional>
+#include <QString>
+#include <QStringList>
+
+#include "Base/Error.h"
+#include "CallBook.h"
+#include "CoachServer.h"
+#include "EventLog.h"
+#include "Faults.h"
+#include "ProviderServer.h"
+#include "TokenBook.h"
+#include "WireProxy.h"
+
+namespace corvellan::sandbox {
+
+struct SandboxOptions {
+    quint16 coachPort = 3001;
+    quint16 providerPort = 3003;
+    UtteranceTextsMaker texts = lengthTexts();
+    QString keepAudioFolder;
+    std::chrono::milliseconds closeAfter{500};
+    Faults faults;
+    std::optional<WireFault> coachWire;
+    std::optional<WireFault> providerWire;
+};
+
+/// The stand-in for the remote parties, serving from its construction by `start` to its end. Lives on a
+/// thread with an executor; the clock and the log must outlive it.
+class Sandbox {
+public:
+    /// Fails when a port is taken; nothing listens then.
+    [[nodiscard]] static std::expected<std::unique_ptr<Sandbox>, Error> start(SandboxOptions options, Clock& clock,
+                                                                              const EventLog& log);
+
+    /// What clients connect to, proxies included.
+    [[nodiscard]] quint16 coachPort() const { return m_coachPort; }
+    [[nodiscard]] quint16 providerPort() const { return m_providerPort; }
+
+    /// "coach ws://127.0.0.1:3001/ws" and its like, one an address, for programs that start the sandbox.
+    [[nodiscard]] QStringList addressLines() const;
+
+    [[nodiscard]] const CallBook& calls() const { return m_calls; }
+    [[nodiscard]] const ProviderServer& provider() const { return m_provider; }
+
+private:
+    Sandbox(SandboxOptions options, Clock& clock, const EventLog& log);
+    [[nodiscard]] std::expected<void, Error> listen(const SandboxOptions& options);
+
+    Clock& m_clock;
+    const EventLog& m_log;
+    TokenBook m_tokens;
+    CallBook m_calls;
+    ProviderServer m_provider;
+    CoachServer m_coach;
+    std::unique_ptr<WireProxy> m_coachProxy;
+    std::unique_ptr<WireProxy> m_providerProxy;
+    quint16 m_coachPort = 0;
+    quint16 m_providerPort = 0;
+};
+
+}  // namespace corvellan::sandbox
