@@ -13,8 +13,11 @@
 
 namespace corvellan::test {
 
-/// The main thread's executor; `TestMain.cpp` makes it before the first test.
+/// The main thread's executor; `main` makes it before the first test.
 Executor& mainExecutor();
+
+/// For a `main` of a test program's own, which takes the place of `TestMain.cpp`.
+void setMainExecutor(Executor& main);
 
 /// Spins the main loop until `condition` holds. False when `limit` of real time is over first.
 template <typename Condition>

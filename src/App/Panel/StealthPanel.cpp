@@ -1,0 +1,157 @@
+#include "StealthPanel.h"
+
+#include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QScreen>
+
+#include "Base/Preferences.h"
+#include "PanelGeometry.h"
+#include "Views/CoachingOverlayView.h"
+#include "Views/IdleView.h"
+#include "Views/MainView.h"
+#include "Views/QuickSetup.h"
+#include "Views/Theme.h"
+
+namespace corvellan {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// No buttons to minimise or maximise, on purpose: the window is hidden, never minimised.
+constexpr Qt::WindowFlags idleFlags =
+    Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+constexpr Qt::WindowFlags callFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+
+constexpr QPoint firstOrigin{100, 100};
+
+}  // namespace
+
+/// Declared before use by the scene, so that it outlives it.
+struct StealthPanel::Content {
+    explicit Content(const Parts& parts)
+        : main(parts.session),
+          overlay(parts.session, parts.handoffWindowController),
+          idle(parts.session) {}
+
+    Theme theme;
+    MainView main;
+    CoachingOverlayView overlay;
+    IdleView idle;
+};
+
+StealthPanel::StealthPanel(const Parts& parts)
+    : m_content(std::make_unique<Content>(parts)),
+      m_preferences(parts.preferences),
+      m_captureHiding(parts.captureHiding) {
+    setTitle(u"Corvellan Bram"_s);
+    // A window that is opaque when it is made stays so for good; the idle face paints its own ground.
+    setColor(Qt::transparent);
+    setFlags(idleFlags);
+    setMinimumSize(panel::idleMinimumSize);
+    setMaximumSize(panel::idleMaximumSize);
+    setGeometry(QRect{firstOrigin, panel::idleSize});
+
+    setResizeMode(QQuickView::SizeRootObjectToView);
+    engine()->addImportPath(QString::fromLatin1(qmlImportPath));
+    setInitialProperties({
+        {u"main"_s, QVariant::fromValue(&m_content->main)},
+        {u"overlay"_s, QVariant::fromValue(&m_content->overlay)},
+        {u"idle"_s, QVariant::fromValue(&m_content->idle)},
+        {u"theme"_s, QVariant::fromValue(&m_content->theme)},
+    });
+    setSource(QUrl{u"qrc:/qt/qml/Corvellan/Views/Main.qml"_s});
+}
+
+StealthPanel::~StealthPanel() {
+    // The scene goes before what it shows: its bindings read the view states to the end.
+    setSource(QUrl{});
+}
+
+CoachingOverlayView& StealthPanel::overlay() {
+    return m_content->overlay;
+}
+
+void StealthPanel::enterCallMode() {
+    const QRect frame = frameGeometry();
+    m_face = Face::call;
+    setFlags(callFlags);
+    applyStealth(m_isStealthEnabled);
+    place(panel::callSize, Sizing::fixed, frame);
+}
+
+void StealthPanel::enterIdleMode() {
+    const QRect frame = frameGeometry();
+    m_face = Face::idle;
+    setFlags(idleFlags);
+    applyStealth(false);
+    place(panel::idleSize, Sizing::resizable, frame);
+}
+
+void StealthPanel::setSessionMode(const QString& mode) {
+    place(panel::sessionSize(mode, m_preferences.number(u"fontScale"_s)), Sizing::fixed, frameGeometry());
+}
+
+void StealthPanel::setStealth(bool isEnabled) {
+    m_isStealthEnabled = isEnabled;
+    applyStealth(isEnabled);
+}
+
+void StealthPanel::makeKeyAndOrderFront() {
+    moveToActiveScreen();
+    setProperty("_q_showWithoutActivating", false);
+    show();
+    raise();
+    requestActivate();
+}
+
+void StealthPanel::orderFront() {
+    moveToActiveScreen();
+    setProperty("_q_showWithoutActivating", true);
+    show();
+    raise();
+}
+
+bool StealthPanel::afterNextFrame(std::function<void()> done) {
+    if (!isExposed())
+        return false;
+    connect(this, &QQuickWindow::frameSwapped, this, std::move(done), Qt::SingleShotConnection);
+    update();
+    return true;
+}
+
+bool StealthPanel::event(QEvent* event) {
+    if (event->type() == QEvent::Close) {
+        event->ignore();
+        hide();
+        return true;
+    }
+    return QQuickView::event(event);
+}
+
+std::optional<QRect> StealthPanel::availableGeometry() const {
+    const QScreen* const itsScreen = screen() ? screen() : QGuiApplication::primaryScreen();
+    return itsScreen ? std::optional{itsScreen->availableGeometry()} : std::nullopt;
+}
+
+void StealthPanel::applyStealth(bool isHidden) {
+    m_captureVisibility = m_captureHiding.setHidden(*this, isHidden);
+}
+
+void StealthPanel::place(QSize size, Sizing sizing, QRect frame) {
+    setMinimumSize(sizing == Sizing::fixed ? size : panel::idleMinimumSize);
+    setMaximumSize(sizing == Sizing::fixed ? size : panel::idleMaximumSize);
+    resize(size);
+    setFramePosition(panel::centeredOrigin(size, frame, availableGeometry()));
+}
+
+void StealthPanel::moveToActiveScreen() {
+    const QScreen* const active = QGuiApplication::screenAt(QCursor::pos());
+    if (!active || active == screen())
+        return;
+    setFramePosition(panel::middleOrigin(size(), active->availableGeometry()));
+}
+
+}  // namespace corvellan

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <QQuickView>
+#include <QString>
+
+#include "Platform/CaptureHiding.h"
+
+namespace corvellan {
+
+class CoachingOverlayView;
+class HandoffWindowController;
+class Preferences;
+class SessionViewModel;
+
+/// The program's one main window. Between calls an ordinary window; in a call a borderless panel of a
+/// fixed size that stays above others and can be hidden from screen capture.
+///
+/// The session's call-backs drive it: `onSessionActiveChanged` picks the face, `onStealthChanged` calls
+/// `setStealth`, `onSessionModeChanged` calls `setSessionMode`. Closing hides it: the object and the
+/// session live on. Needs `prepareQuick`. Main thread.
+class StealthPanel : public QQuickView {
+    Q_OBJECT
+
+public:
+    /// What it is made of; all of it outlives the panel.
+    struct Parts {
+        SessionViewModel& session;
+        const Preferences& preferences;
+        CaptureHiding& captureHiding;
+        HandoffWindowController& handoffWindowController;
+    };
+
+    /// Builds the idle face. It is not shown yet.
+    explicit StealthPanel(const Parts& parts);
+    ~StealthPanel() override;
+
+    [[nodiscard]] bool isStealthEnabled() const { return m_isStealthEnabled; }
+    [[nodiscard]] bool isInCallMode() const { return m_face == Face::call; }
+    /// What the last attempt to hide the window, or to show it again, came to.
+    [[nodiscard]] CaptureVisibility captureVisibility() const { return m_captureVisibility; }
+
+    /// The view state of the call face.
+    [[nodiscard]] CoachingOverlayView& overlay();
+
+    void enterCallMode();
+    /// Makes the window capturable again and leaves the stealth flag alone: it applies at the next call.
+    void enterIdleMode();
+    /// Resizes for "mini", "coach" or, with any other word, the full layout.
+    void setSessionMode(const QString& mode);
+    /// Sets the flag and applies it at once, in either face.
+    void setStealth(bool isEnabled);
+
+    /// Shows the window on the screen of the pointer, in front, with the keyboard.
+    void makeKeyAndOrderFront();
+    /// The same, but the keyboard stays where it is.
+    void orderFront();
+
+    /// Runs `done` once, after the first frame that shows everything set until now. Not at all when the
+    /// window is hidden: then there is no such frame, and the answer is false.
+    bool afterNextFrame(std::function<void()> done);
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    enum class Face { idle, call };
+    enum class Sizing { fixed, resizable };
+
+    [[nodiscard]] std::optional<QRect> availableGeometry() const;
+    void applyStealth(bool isHidden);
+    void place(QSize size, Sizing sizing, QRect frame);
+    void moveToActiveScreen();
+
+    struct Content;
+    std::unique_ptr<Content> m_content;
+    const Preferences& m_preferences;
+    CaptureHiding& m_captureHiding;
+    Face m_face = Face::idle;
+    bool m_isStealthEnabled = false;
+    CaptureVisibility m_captureVisibility = CaptureVisibility::visible;
+};
+
+}  // namespace corvellan

@@ -1,0 +1,120 @@
+import QtQuick
+import QtQuick.Layouts
+import Corvellan.Views
+
+/// The company of the call. Opens the handoff notes, or folds the brief below it.
+ColumnLayout {
+    id: root
+
+    required property CoachingOverlayView overlay
+    required property Theme theme
+    readonly property Item button: press
+
+    spacing: 4
+
+    Divider {
+        Layout.fillWidth: true
+        theme: root.theme
+    }
+
+    PlainButton {
+        id: press
+
+        Layout.fillWidth: true
+        objectName: "companyRow"
+        theme: root.theme
+        text: root.overlay.companyName
+        enabled: root.overlay.isCompanyRowActive
+        leftPadding: 4
+        rightPadding: 4
+        onClicked: root.overlay.pressCompanyRow()
+
+        Accessible.description: root.overlay.hasHandoff ? qsTr("Opens the handoff notes")
+                              : root.overlay.isBriefShown ? qsTr("Folds the brief")
+                              : root.overlay.isCompanyRowActive ? qsTr("Unfolds the brief") : ""
+
+        contentItem: RowLayout {
+            spacing: 6
+
+            IconLabel {
+                theme: root.theme
+                symbol: root.overlay.companySymbol
+                size: 9
+                color: root.overlay.companySymbolColor
+            }
+            ReadOut {
+                Layout.fillWidth: true
+                Layout.maximumWidth: implicitWidth
+                objectName: "companyName"
+                theme: root.theme
+                text: root.overlay.companyName
+                size: 10
+                color: Qt.alpha(root.theme.white, 0.7)
+                elide: Text.ElideRight
+                maximumLineCount: 1
+                Accessible.ignored: true
+            }
+            ReadOut {
+                objectName: "handoffCaption"
+                theme: root.theme
+                visible: root.overlay.hasHandoff
+                text: qsTr("Brief")
+                size: 8
+                color: Qt.alpha(root.theme.orange, 0.5)
+                Accessible.ignored: true
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            IconLabel {
+                objectName: "chevron"
+                theme: root.theme
+                visible: symbol.length > 0
+                symbol: root.overlay.chevronSymbol
+                size: 8
+                color: Qt.alpha(root.theme.white, 0.3)
+            }
+        }
+    }
+
+    Item {
+        id: fold
+
+        Layout.fillWidth: true
+        objectName: "brief"
+        implicitHeight: unfolded
+        visible: unfolded > 0
+        clip: true
+
+        property real unfolded: root.overlay.isBriefShown ? brief.implicitHeight + 12 : 0
+
+        Behavior on unfolded {
+            NumberAnimation {
+                duration: 200
+                easing.type: Easing.InOutQuad
+            }
+        }
+
+        Rectangle {
+            width: fold.width
+            height: brief.implicitHeight + 12
+            radius: 5
+            color: Qt.alpha(root.theme.white, 0.05)
+
+            ReadOut {
+                id: brief
+
+                x: 8
+                y: 6
+                width: parent.width - 16
+                theme: root.theme
+                text: root.overlay.briefText
+                size: 9
+                lineHeight: 1.25
+                color: Qt.alpha(root.theme.white, 0.65)
+                wrapMode: Text.Wrap
+                Accessible.ignored: !root.overlay.isBriefShown
+            }
+        }
+    }
+}

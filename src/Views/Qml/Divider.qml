@@ -1,0 +1,10 @@
+import QtQuick
+import Corvellan.Views
+
+/// The line between two blocks.
+Rectangle {
+    required property Theme theme
+
+    implicitHeight: 1
+    color: Qt.alpha(theme.white, 0.1)
+}

@@ -1,0 +1,48 @@
+import QtQuick
+import Corvellan.Views
+
+/// The content of the program's one window: its surface, and the face that is on.
+Item {
+    id: root
+
+    required property MainView main
+    required property CoachingOverlayView overlay
+    required property IdleView idle
+    required property Theme theme
+
+    Rectangle {
+        anchors.fill: parent
+        color: root.main.surfaceColor
+        radius: root.main.surfaceRadius
+    }
+
+    WindowMover {
+        anchors.fill: parent
+        onMoveRequested: root.Window.window.startSystemMove()
+    }
+
+    Loader {
+        id: face
+
+        anchors.fill: parent
+        objectName: "face"
+        focus: true
+    }
+
+    function showFace() {
+        if (main.isSessionActive)
+            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: theme });
+        else
+            face.setSource("IdleScreen.qml", { idle: idle, theme: theme });
+    }
+
+    Component.onCompleted: showFace()
+
+    Connections {
+        target: root.main
+
+        function onIsSessionActiveChanged() {
+            root.showFace();
+        }
+    }
+}

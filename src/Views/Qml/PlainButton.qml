@@ -1,0 +1,49 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// A button without a frame of its own: text, or any other content.
+T.AbstractButton {
+    id: root
+
+    required property Theme theme
+    property color color: theme.white
+    property real size: 11
+
+    implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, theme.hitTarget)
+    implicitHeight: Math.max(implicitContentHeight + topPadding + bottomPadding, theme.hitTarget)
+    leftPadding: 8
+    rightPadding: 8
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    // A press that comes through accessibility does not emit `clicked` by itself.
+    Accessible.onPressAction: root.clicked()
+
+    contentItem: ReadOut {
+        theme: root.theme
+        text: root.text
+        size: root.size
+        color: root.hovered || root.visualFocus ? Qt.alpha(root.color, Math.min(1, root.color.a + 0.3)) : root.color
+        verticalAlignment: Text.AlignVCenter
+        horizontalAlignment: Text.AlignHCenter
+        Accessible.ignored: true
+    }
+
+    background: Rectangle {
+        radius: 5
+        color: Qt.alpha(root.theme.white, root.down ? 0.14 : root.hovered && root.enabled ? 0.08 : 0)
+        border.width: root.visualFocus ? 2 : 0
+        border.color: root.theme.focusRing
+    }
+
+    HoverHandler {
+        enabled: root.enabled
+        cursorShape: Qt.PointingHandCursor
+    }
+}

@@ -1,0 +1,67 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// The one button that a screen is about.
+T.AbstractButton {
+    id: root
+
+    required property Theme theme
+    required property string symbol
+    property color color: theme.green
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: 44
+    leftPadding: 22
+    rightPadding: 24
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.4
+
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.onPressAction: root.clicked()
+
+    contentItem: RowLayout {
+        spacing: 8
+
+        IconLabel {
+            theme: root.theme
+            symbol: root.symbol
+            size: 16
+            color: root.theme.black
+        }
+        ReadOut {
+            theme: root.theme
+            text: root.text
+            size: 15
+            font.weight: Font.DemiBold
+            color: root.theme.black
+            Accessible.ignored: true
+        }
+    }
+
+    background: Rectangle {
+        radius: 10
+        color: root.down ? Qt.darker(root.color, 1.2) : root.hovered ? Qt.lighter(root.color, 1.12) : root.color
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -4
+            radius: 14
+            color: "transparent"
+            border.width: 2
+            border.color: root.theme.focusRing
+            visible: root.visualFocus
+        }
+    }
+
+    HoverHandler {
+        enabled: root.enabled
+        cursorShape: Qt.PointingHandCursor
+    }
+}

@@ -1,0 +1,95 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// Shows its children from the top, and scrolls what is too tall by wheel, bar and keys. Dragging stays
+/// with whoever lies behind, so that the panel can be moved by its text.
+Item {
+    id: root
+
+    required property Theme theme
+    default property alias content: holder.data
+    /// The height of everything in it.
+    readonly property real contentHeight: holder.childrenRect.height
+    readonly property bool isOverflowing: contentHeight > height + 0.5
+
+    implicitHeight: contentHeight
+    activeFocusOnTab: isOverflowing
+
+    Accessible.role: Accessible.Pane
+    Accessible.ignored: !isOverflowing
+
+    function scrollBy(distance: real) {
+        flickable.contentY = Math.max(0, Math.min(flickable.contentY + distance, contentHeight - height));
+    }
+
+    /// Scrolls just so far that all of `item` is in view.
+    function reveal(item: Item) {
+        const top = item.mapToItem(holder, 0, 0).y;
+        if (top < flickable.contentY)
+            scrollBy(top - flickable.contentY);
+        else if (top + item.height > flickable.contentY + height)
+            scrollBy(top + item.height - flickable.contentY - height);
+    }
+
+    Keys.onUpPressed: scrollBy(-24)
+    Keys.onDownPressed: scrollBy(24)
+    Keys.onPressed: event => {
+        const step = event.key === Qt.Key_PageDown ? height : event.key === Qt.Key_PageUp ? -height : 0;
+        if (step === 0)
+            return;
+        scrollBy(step);
+        event.accepted = true;
+    }
+    onIsOverflowingChanged: scrollBy(0)
+    onHeightChanged: scrollBy(0)
+    onContentHeightChanged: scrollBy(0)
+
+    Flickable {
+        id: flickable
+
+        anchors.fill: parent
+        contentWidth: width
+        contentHeight: root.contentHeight
+        interactive: false
+        clip: true
+
+        Item {
+            id: holder
+
+            width: flickable.width
+            height: childrenRect.height
+        }
+
+        T.ScrollBar.vertical: T.ScrollBar {
+            id: bar
+
+            policy: root.isOverflowing ? T.ScrollBar.AlwaysOn : T.ScrollBar.AlwaysOff
+            implicitWidth: 8
+            padding: 2
+            minimumSize: 0.1
+            visible: root.isOverflowing
+            Accessible.ignored: true
+
+            contentItem: Rectangle {
+                radius: 2
+                color: Qt.alpha(root.theme.white, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
+            }
+        }
+    }
+
+    WheelHandler {
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+        onWheel: event => root.scrollBy(event.pixelDelta.y !== 0 ? -event.pixelDelta.y : -event.angleDelta.y / 3)
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: 1
+        radius: 5
+        color: "transparent"
+        border.width: 2
+        border.color: root.theme.focusRing
+        visible: root.activeFocus
+    }
+}

@@ -1,0 +1,34 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// The whole of a text that is cut off where it stands.
+T.ToolTip {
+    id: root
+
+    required property Theme theme
+
+    x: 0
+    y: parent ? parent.height + 4 : 0
+    margins: 6
+    padding: 6
+    leftPadding: 8
+    rightPadding: 8
+    delay: 400
+    implicitWidth: Math.min(implicitContentWidth + leftPadding + rightPadding, 360)
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
+
+    contentItem: ReadOut {
+        theme: root.theme
+        text: root.text
+        size: 11
+        wrapMode: Text.Wrap
+    }
+
+    background: Rectangle {
+        color: "#2c2c30"
+        border.color: Qt.alpha(root.theme.white, 0.15)
+        radius: 5
+    }
+}

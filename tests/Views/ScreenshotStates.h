@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <QString>
+#include <vector>
+
+#include "ViewModels/SessionViewModel.h"
+
+namespace corvellan::test {
+
+/// One picture of the window: its face, what the session holds, and the layout.
+struct ScreenshotState {
+    QString name;
+    std::function<void(SessionViewModel&)> prepare;
+    std::optional<QString> company = std::nullopt;
+    double fontScale = 1.5;
+    bool isCall = true;
+    /// The layout that is asked for after the call has begun; absent leaves the call face as it begins.
+    std::optional<QString> layout = std::nullopt;
+    bool unfoldsBrief = false;
+};
+
+/// Every state that a user may get to see.
+[[nodiscard]] std::vector<ScreenshotState> screenshotStates();
+
+}  // namespace corvellan::test

@@ -1,0 +1,102 @@
+// Renders every state of the window's two faces into PNG files: corvellan-screenshots FOLDER [PART OF A NAME]
+
+#include <cstdio>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QLinearGradient>
+#include <QPainter>
+
+#include "App/Panel/StealthPanel.h"
+#include "FakeHandoffWindow.h"
+#include "ScreenshotStates.h"
+#include "Support/SessionFixture.h"
+#include "Views/CoachingOverlayView.h"
+#include "Views/QuickSetup.h"
+
+namespace corvellan::test {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+void spin(std::chrono::milliseconds time) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < time.count())
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 10);
+}
+
+/// The window's picture on a plain desktop, so that its rounded corners and its translucency show.
+QImage onDesktop(const QImage& window) {
+    constexpr int margin = 24;
+    QImage picture{window.size() + QSize{2 * margin, 2 * margin}, QImage::Format_RGB32};
+    QPainter painter{&picture};
+    QLinearGradient ground{QPointF{0, 0}, QPointF(picture.width(), picture.height())};
+    ground.setColorAt(0, QColor{0x6d, 0x7d, 0x93});
+    ground.setColorAt(1, QColor{0x3b, 0x46, 0x57});
+    painter.fillRect(picture.rect(), ground);
+    painter.drawImage(margin, margin, window);
+    return picture;
+}
+
+bool take(const ScreenshotState& state, const QDir& folder) {
+    SessionFixture fixture;
+    fixture.preferences.setNumber(u"fontScale"_s, state.fontScale);
+    SessionViewModel& session = fixture.session();
+    session.setServerURL(u"wss://coach.corvellan.example/ws"_s);
+    NoCaptureHiding captureHiding;
+    FakeHandoffWindow handoffWindow;
+    StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow}};
+    session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
+    session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };
+    panel.makeKeyAndOrderFront();
+    if (!spinUntil([&] { return panel.isExposed(); }))
+        return false;
+    if (state.isCall) {
+        // On this server nobody has to sign in, and the session then waits for the server's answer.
+        session.setServerURL(u"ws://127.0.0.1:3001/ws"_s);
+        session.startSession({.company = state.company});
+        settle();
+    }
+    if (state.layout)
+        session.setSessionMode(*state.layout);
+    state.prepare(session);
+    if (state.unfoldsBrief)
+        panel.overlay().pressCompanyRow();
+    // Longer than every animation.
+    spin(600ms);
+    const QImage picture = panel.grabWindow();
+    session.onSessionActiveChanged = {};
+    session.onSessionModeChanged = {};
+    const QString path = folder.filePath(state.name + u".png"_s);
+    std::printf("%s %dx%d\n", qPrintable(path), picture.width(), picture.height());
+    return !picture.isNull() && onDesktop(picture).save(path);
+}
+
+int takeAll(const QStringList& arguments) {
+    if (arguments.size() < 2 || !QDir{}.mkpath(arguments[1])) {
+        std::fprintf(stderr, "Usage: corvellan-screenshots FOLDER [PART OF A NAME]\n");
+        return 2;
+    }
+    for (const ScreenshotState& state : screenshotStates())
+        if (state.name.contains(arguments.value(2)) && !take(state, QDir{arguments[1]})) {
+            std::fprintf(stderr, "%s: no picture\n", qPrintable(state.name));
+            return 1;
+        }
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace corvellan::test
+
+int main(int argc, char** argv) {
+    QGuiApplication application{argc, argv};
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    corvellan::EventLoopExecutor main;
+    corvellan::test::setMainExecutor(main);
+    corvellan::prepareQuick();
+    return corvellan::test::takeAll(QCoreApplication::arguments());
+}
