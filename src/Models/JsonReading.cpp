@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Utf8.h"
+
 using namespace Qt::StringLiterals;
 
 namespace corvellan {
@@ -35,19 +37,6 @@ QString FieldPath::text() const {
     return before.isEmpty() ? name : before + u'.' + name;
 }
 
-QString jsonText(const boost::json::string& string) {
-    // Qt takes a leading byte-order mark away; inside a message it is a character like any other.
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    std::string_view rest{string.data(), string.size()};
-    qsizetype marks = 0;
-    while (rest.starts_with(mark)) {
-        rest.remove_prefix(mark.size());
-        ++marks;
-    }
-    auto text = QString::fromUtf8(rest.data(), static_cast<qsizetype>(rest.size()));
-    return marks == 0 ? text : QString{marks, QChar::ByteOrderMark} + text;
-}
-
 void ValueReader::fail(DecodingError::Kind kind, const FieldPath& path, QString detail) {
     m_failure = DecodingError{kind, path.text(), std::move(detail)};
 }
@@ -71,7 +60,7 @@ void ValueReader::failNumber(const Value& found, const FieldPath& path) {
 
 void ValueReader::read(const Value& value, QString& text, const FieldPath& path) {
     if (const auto* const string = value.if_string())
-        text = jsonText(*string);
+        text = textFromUtf8({string->data(), static_cast<qsizetype>(string->size())});
     else
         failType(value, "a string", path);
 }

@@ -28,9 +28,6 @@ struct FieldPath {
     [[nodiscard]] QString text() const;
 };
 
-/// Any JSON string as text, a leading byte-order mark included.
-[[nodiscard]] QString jsonText(const boost::json::string& string);
-
 /// Reads values of one message into plain ones. The first failure stays.
 class ValueReader {
 public:

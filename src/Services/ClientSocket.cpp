@@ -96,6 +96,9 @@ void ClientSocket::start(const QUrl& url, const Headers& headers) {
     m_socket = std::make_unique<QWebSocket>();
     m_socket->setMaxAllowedIncomingFrameSize(maxMessageBytes);
     m_socket->setMaxAllowedIncomingMessageSize(maxMessageBytes);
+    // One frame a message: cut in pieces, a message may be cut within a character, which not every
+    // server (Qt's own neither) puts together again.
+    m_socket->setOutgoingFrameSize(QWebSocket::maxOutgoingFrameSize());
     // Bounds what a server can make us hold: a frame is parsed when all of it is there, and a
     // handshake may be an endless line.
     constexpr qint64 frameHeaderRoom = 64 * 1024;

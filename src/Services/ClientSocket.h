@@ -34,7 +34,9 @@ struct SocketEnd {
 /// One WebSocket to a server, from its opening to its end; it is never reopened.
 ///
 /// Lives on one executor, whose thread runs a Qt event loop; every operation belongs there, and every
-/// handler is called there. Messages of more than 16 MiB end the connection with code 1009.
+/// handler is called there. Messages of more than 16 MiB end the connection with code 1009, and text that
+/// is not UTF-8 with 1007. Qt 6.4 decodes each frame by itself: a text message cut within a character
+/// ends the connection with 1007 too.
 class ClientSocket : public std::enable_shared_from_this<ClientSocket> {
 public:
     using Headers = std::vector<std::pair<QByteArray, QByteArray>>;

@@ -6,9 +6,9 @@ using namespace Qt::StringLiterals;
 
 QString urlForLog(const QUrl& url) {
     const QString text = url.toString(QUrl::FullyEncoded);
-    const qsizetype queryStart = text.indexOf(u'?') + 1;
-    if (queryStart == 0)
+    if (!url.hasQuery())
         return text;
+    const qsizetype queryStart = text.indexOf(u'?') + 1;
     const qsizetype hash = text.indexOf(u'#', queryStart);
     const qsizetype queryEnd = hash < 0 ? text.size() : hash;
 

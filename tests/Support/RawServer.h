@@ -93,13 +93,24 @@ public:
         m_client->abort();
     }
     /// Reads nothing more, as a server that hangs.
-    void stopReading() {
-        QObject::disconnect(m_client.get(), &QTcpSocket::readyRead, nullptr, nullptr);
-        m_client->setReadBufferSize(1);
+    void stopReading() { m_client->setReadBufferSize(1); }
+    /// Reads on and keeps only how much came.
+    void resumeReading() {
+        m_isCounting = true;
+        m_client->setReadBufferSize(0);
+        read();
     }
+    [[nodiscard]] qint64 bytesCounted() const { return m_bytesCounted; }
 
 private:
     void read() {
+        if (m_isCounting) {
+            m_bytesCounted += m_client->readAll().size();
+            return;
+        }
+        // A limit of one byte means that nothing is to be read.
+        if (m_client->readBufferSize() == 1)
+            return;
         m_received += m_client->readAll();
         if (m_request.isEmpty()) {
             const qsizetype end = m_received.indexOf("\r\n\r\n");
@@ -149,6 +160,8 @@ private:
     QByteArray m_request;
     QList<Frame> m_frames;
     bool m_isUpgraded = false;
+    bool m_isCounting = false;
+    qint64 m_bytesCounted = 0;
     bool m_isGone = false;
 };
 

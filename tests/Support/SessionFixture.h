@@ -19,11 +19,19 @@ public:
     ~SessionFixture() {
         if (!m_viewModel)
             return;
+        // A test's own variables go before the fixture: nothing may call into them any more.
+        m_viewModel->disconnect();
+        m_viewModel->onSessionActiveChanged = {};
+        m_viewModel->onStealthChanged = {};
+        m_viewModel->onSessionModeChanged = {};
         m_viewModel->stopSession();
         ws->connectGate.open();
         stt->connectGate.open();
         factory.systemStt.connectGate.open();
         auth->loginGate.open();
+        settleAfter(clock, std::chrono::minutes{1});
+        // What was held at a gate has gone on and may have armed timers of its own.
+        m_viewModel->stopSession();
         settleAfter(clock, std::chrono::minutes{1});
         Q_ASSERT(m_viewModel->isQuiet());
     }

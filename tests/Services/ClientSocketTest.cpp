@@ -1,0 +1,595 @@
+#include "Services/ClientSocket.h"
+
+#include <gtest/gtest.h>
+
+#include <QSslConfiguration>
+
+#include "Support/LoopbackCertificate.h"
+#include "Support/LoopbackServer.h"
+#include "Support/RawServer.h"
+#include "Support/TestLoop.h"
+
+namespace corvellan::test {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+/// What a reader of one socket saw.
+struct Seen {
+    QStringList texts;
+    QList<QByteArray> binaries;
+    std::optional<SocketEnd> end;
+    int ends = 0;
+
+    [[nodiscard]] std::string reason() const {
+        return end ? end->error.errorDescription().toStdString() : std::string{"no end"};
+    }
+};
+
+class ClientSocketTest : public testing::Test {
+protected:
+    void TearDown() override {
+        socket.reset();
+        settle();
+    }
+
+    void open(const QUrl& url) {
+        socket = ClientSocket::open(mainExecutor(), clock, url);
+        socket->read({.text = [this](const QString& text) { seen.texts.append(text); },
+                      .binary = [this](const QByteArray& bytes) { seen.binaries.append(bytes); },
+                      .ended =
+                          [this](const SocketEnd& end) {
+                              seen.end = end;
+                              ++seen.ends;
+                          }});
+    }
+
+    /// Upgraded and open; `raw` stays with the test.
+    void openRaw() {
+        ASSERT_TRUE(raw.listen());
+        open(raw.url());
+        ASSERT_TRUE(spinUntil([&] { return socket->isOpen(); }));
+    }
+
+    bool waitForEnd() {
+        return spinUntil([&] { return seen.end.has_value(); });
+    }
+
+    /// What a send says now.
+    std::string sendFailure() {
+        const auto sent = complete(socket->send(u"late"_s));
+        return sent ? std::string{"sent"} : sent.error().errorDescription().toStdString();
+    }
+
+    ManualClock clock;
+    RawServer raw;
+    LoopbackServer server;
+    Seen seen;
+    std::shared_ptr<ClientSocket> socket;
+};
+
+// How a connection ends.
+
+TEST_F(ClientSocketTest, aCloseFrameWith1000IsANormalEnd) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::textOpcode, "hi") + RawServer::frame(RawServer::closeOpcode, "\x03\xe8"));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.end->isNormal);
+    EXPECT_EQ(seen.texts, QStringList{u"hi"_s});
+    EXPECT_EQ(sendFailure(), "The server closed the connection.");
+}
+
+TEST_F(ClientSocketTest, aCloseFrameWithoutACodeIsANormalEnd) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::closeOpcode, {}));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, aCloseFrameFollowedByTheEndOfTheStreamIsStillSeen) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::textOpcode, "hi") + RawServer::frame(RawServer::closeOpcode, "\x03\xe8"));
+    raw.finish();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.end->isNormal) << seen.reason();
+    EXPECT_EQ(seen.texts, QStringList{u"hi"_s});
+}
+
+TEST_F(ClientSocketTest, aCloseFrameFollowedByAResetIsStillSeen) {
+    for (const auto& [payload, isNormal] :
+         {std::pair{QByteArray{"\x03\xe8"}, true}, {QByteArray{"\x03\xf0no"}, false}}) {
+        seen = {};
+        RawServer resetting;
+        ASSERT_TRUE(resetting.listen());
+        open(resetting.url());
+        ASSERT_TRUE(spinUntil([&] { return socket->isOpen(); }));
+        resetting.write(RawServer::frame(RawServer::closeOpcode, payload));
+        resetting.reset();
+        ASSERT_TRUE(waitForEnd());
+        EXPECT_EQ(seen.end->isNormal, isNormal) << seen.reason();
+    }
+    EXPECT_EQ(seen.reason(), "The connection was closed with code 1008: no");
+}
+
+TEST_F(ClientSocketTest, anyOtherCodeIsAFailureThatTellsCodeAndReason) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::closeOpcode, "\x03\xf3overloaded"));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_EQ(seen.reason(), "The connection was closed with code 1011: overloaded");
+    EXPECT_EQ(sendFailure(), "The connection was closed with code 1011: overloaded");
+}
+
+TEST_F(ClientSocketTest, aCodeWithoutReasonIsToldAlone) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::closeOpcode, "\x0f\xa0"));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.reason(), "The connection was closed with code 4000.");
+}
+
+TEST_F(ClientSocketTest, theEndOfTheStreamWithoutCloseFrameIsAFailure) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::textOpcode, "last words"));
+    raw.finish();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_EQ(seen.texts, QStringList{u"last words"_s});
+    EXPECT_EQ(seen.reason(), "The remote host closed the connection");
+    EXPECT_EQ(sendFailure(), "The remote host closed the connection");
+}
+
+TEST_F(ClientSocketTest, aResetIsAFailure) {
+    openRaw();
+    raw.reset();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_EQ(seen.reason(), "The remote host closed the connection");
+}
+
+TEST_F(ClientSocketTest, aBrokenFrameIsAFailure) {
+    for (const QByteArray& bytes :
+         {QByteArray{"\x81\x02\xff\xfe"}, QByteArray{"\x83\x00", 2}, QByteArray{"\xf1\x00", 2},
+          QByteArray{"\x88\x01\x03"}, QByteArray{"\x88\x02\x03\xed"}}) {
+        seen = {};
+        RawServer broken;
+        ASSERT_TRUE(broken.listen());
+        open(broken.url());
+        ASSERT_TRUE(spinUntil([&] { return socket->isOpen(); }));
+        broken.write(bytes);
+        ASSERT_TRUE(waitForEnd()) << bytes.toHex().constData();
+        EXPECT_FALSE(seen.end->isNormal) << bytes.toHex().constData();
+        EXPECT_TRUE(seen.reason().starts_with("The connection was closed with code 10")) << seen.reason();
+    }
+}
+
+TEST_F(ClientSocketTest, aRefusedConnectionIsAFailure) {
+    ASSERT_TRUE(server.listen());
+    const QUrl nobody = server.url();
+    server.stopListening();
+    open(nobody);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_EQ(seen.reason(), "Connection refused");
+}
+
+TEST_F(ClientSocketTest, anUnreachableHostIsAFailure) {
+    // The broadcast address, which the system itself refuses a stream to.
+    open(QUrl{u"ws://255.255.255.255:9/"_s});
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_FALSE(seen.reason().empty());
+}
+
+TEST_F(ClientSocketTest, anUpgradeThatIsRefusedIsAFailureThatTellsTheStatus) {
+    for (const auto& [status, reason] :
+         {std::pair{"401 Unauthorized", "Unhandled http status code: 401 (Unauthorized)."},
+          std::pair{"404 Not Found", "Unhandled http status code: 404 (Not Found)."}}) {
+        seen = {};
+        RawServer refusing;
+        // What stands behind the refusal must not be taken for another handshake.
+        refusing.onRequest = [status = status](RawServer& self) {
+            self.write(QByteArray{"HTTP/1.1 "} + status + "\r\nContent-Length: 9\r\n\r\n" + self.upgradeReply());
+        };
+        ASSERT_TRUE(refusing.listen());
+        open(refusing.url());
+        ASSERT_TRUE(waitForEnd());
+        EXPECT_EQ(seen.reason(), reason);
+        EXPECT_EQ(sendFailure(), reason);
+        settle();
+        EXPECT_FALSE(socket->isOpen());
+        EXPECT_TRUE(spinUntil([&] { return refusing.isGone(); }));
+    }
+}
+
+TEST_F(ClientSocketTest, garbageInPlaceOfAHandshakeIsAFailure) {
+    raw.onRequest = [](RawServer& self) { self.write("SSH-2.0-OpenSSH_9.2\r\n\r\n"); };
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, aWrongAcceptKeyIsAFailure) {
+    raw.onRequest = [](RawServer& self) { self.write(self.upgradeReply().replace("Accept: ", "Accept: x")); };
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, anEndInPlaceOfAHandshakeIsAFailure) {
+    raw.onRequest = [](RawServer& self) { self.finish(); };
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.reason(), "The remote host closed the connection");
+}
+
+TEST_F(ClientSocketTest, aSchemeThatIsNoWebSocketIsAFailure) {
+    open(QUrl{u"https://127.0.0.1/"_s});
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.reason(), "Unsupported WebSocket scheme: https");
+}
+
+TEST_F(ClientSocketTest, aHandshakeOfMoreThan60SecondsIsAFailure) {
+    raw.onRequest = [](RawServer&) {};
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    ASSERT_TRUE(spinUntil([&] { return !raw.request().isEmpty(); }));
+    settleAfter(clock, 60s - 1ns);
+    EXPECT_FALSE(seen.end);
+    settleAfter(clock, 1ns);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.reason(), "The connection timed out.");
+    EXPECT_TRUE(spinUntil([&] { return raw.isGone(); }));
+}
+
+TEST_F(ClientSocketTest, anOpenConnectionHasNoTimeLimit) {
+    openRaw();
+    settleAfter(clock, 24h);
+    EXPECT_FALSE(seen.end);
+    raw.write(RawServer::frame(RawServer::textOpcode, "still here"));
+    EXPECT_TRUE(spinUntil([&] { return seen.texts.size() == 1; }));
+}
+
+TEST_F(ClientSocketTest, theEndIsToldOnce) {
+    openRaw();
+    raw.write(RawServer::frame(RawServer::closeOpcode, "\x03\xe8"));
+    raw.finish();
+    ASSERT_TRUE(waitForEnd());
+    socket->close();
+    settle();
+    EXPECT_EQ(seen.ends, 1);
+}
+
+TEST_F(ClientSocketTest, anEndlessHandshakeLineTakesBoundedMemory) {
+    constexpr qsizetype flood = 64 * 1024 * 1024;
+    raw.onRequest = [](RawServer& self) { self.write(QByteArray(flood, 'x')); };
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    ASSERT_TRUE(spinUntil([&] { return !raw.request().isEmpty(); }));
+    // The server gets rid of what the client and the system between them hold, and then no more.
+    qint64 left = -1;
+    ASSERT_TRUE(spinUntil([&] {
+        settle();
+        return std::exchange(left, raw.bytesToWrite()) == raw.bytesToWrite();
+    }));
+    EXPECT_GT(raw.bytesToWrite(), flood / 4);
+    EXPECT_FALSE(seen.end);
+}
+
+// TLS.
+
+TEST_F(ClientSocketTest, anUntrustedCertificateIsRefused) {
+    LoopbackServer secure{QWebSocketServer::SecureMode};
+    secure.server().setSslConfiguration(loopbackTls());
+    ASSERT_TRUE(secure.listen());
+    open(secure.url());
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_NE(seen.reason().find("certificate"), std::string::npos) << seen.reason();
+    EXPECT_EQ(secure.count(), 0U);
+}
+
+TEST_F(ClientSocketTest, aServerWithoutTlsFailsASecureConnection) {
+    raw.onRequest = [](RawServer&) {};
+    ASSERT_TRUE(server.listen());
+    QUrl url = server.url();
+    url.setScheme(u"wss"_s);
+    open(url);
+    // The server waits for a line of HTTP that never comes, the client for TLS.
+    settleAfter(clock, 60s);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, worksOverTls) {
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = usual;
+    trusting.addCaCertificate(loopbackCertificate());
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    LoopbackServer secure{QWebSocketServer::SecureMode};
+    secure.server().setSslConfiguration(loopbackTls());
+    ASSERT_TRUE(secure.listen());
+    open(secure.url());
+    const auto first = complete(socket->send(u"over TLS"_s));
+    EXPECT_TRUE(first.has_value()) << seen.reason();
+    const auto second = complete(socket->send(QString(300'000, u'x')));
+    EXPECT_TRUE(second.has_value());
+    ASSERT_TRUE(spinUntil([&] { return secure.count() == 1 && secure.texts().size() == 2; }));
+    secure.close(QWebSocketProtocol::CloseCodeNormal);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.end->isNormal) << seen.reason();
+    QSslConfiguration::setDefaultConfiguration(usual);
+}
+
+TEST_F(ClientSocketTest, aTlsConnectionThatIsLostIsAFailure) {
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = usual;
+    trusting.addCaCertificate(loopbackCertificate());
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    LoopbackServer secure{QWebSocketServer::SecureMode};
+    secure.server().setSslConfiguration(loopbackTls());
+    ASSERT_TRUE(secure.listen());
+    open(secure.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen() && secure.count() == 1; }));
+    secure.last().socket->abort();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+    QSslConfiguration::setDefaultConfiguration(usual);
+}
+
+// Sending.
+
+TEST_F(ClientSocketTest, whatIsSentBeforeTheHandshakeLeavesAfterItInOrder) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    std::vector<QCoro::Task<ClientSocket::Result>> sends;
+    for (int i = 0; i < 5; ++i)
+        sends.push_back(socket->send(QString::number(i)));
+    EXPECT_FALSE(socket->isOpen());
+    for (auto& sending : sends)
+        EXPECT_TRUE(complete(std::move(sending)).has_value());
+    ASSERT_TRUE(spinUntil([&] { return server.texts().size() == 5; }));
+    EXPECT_EQ(server.texts(), (QStringList{u"0"_s, u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
+}
+
+TEST_F(ClientSocketTest, aSendThatTheSystemTakesAtOnceDoesNotWait) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen(); }));
+    const auto sending = socket->send(u"now"_s);
+    EXPECT_TRUE(sending.isReady());
+}
+
+TEST_F(ClientSocketTest, whatWaitsForTheHandshakeFailsWithIt) {
+    ASSERT_TRUE(server.listen());
+    const QUrl nobody = server.url();
+    server.stopListening();
+    open(nobody);
+    auto first = socket->send(u"a"_s);
+    auto second = socket->send(u"b"_s);
+    auto ping = socket->ping();
+    for (auto* waiting : {&first, &second, &ping}) {
+        const auto result = complete(std::move(*waiting));
+        ASSERT_FALSE(result.has_value());
+        EXPECT_EQ(result.error().errorDescription(), u"Connection refused"_s);
+    }
+}
+
+TEST_F(ClientSocketTest, sendsInFlightCompleteEachWhenItsBytesAreWritten) {
+    openRaw();
+    raw.stopReading();
+    const QString large(12 * 1024 * 1024, u'x');
+    auto first = socket->send(large);
+    auto second = socket->send(large);
+    auto small = socket->send(u"end"_s);
+    settle();
+    EXPECT_FALSE(first.isReady());
+    EXPECT_FALSE(second.isReady());
+    EXPECT_FALSE(small.isReady());
+
+    raw.resumeReading();
+    EXPECT_TRUE(complete(std::move(first)).has_value());
+    EXPECT_FALSE(small.isReady());
+    EXPECT_TRUE(complete(std::move(second)).has_value());
+    EXPECT_TRUE(complete(std::move(small)).has_value());
+    EXPECT_TRUE(spinUntil([&] { return raw.bytesCounted() > 2 * large.size(); }));
+}
+
+TEST_F(ClientSocketTest, sendsInFlightFailWhenTheConnectionIsLost) {
+    openRaw();
+    raw.stopReading();
+    auto first = socket->send(QString(12 * 1024 * 1024, u'x'));
+    auto second = socket->send(u"end"_s);
+    raw.reset();
+    EXPECT_FALSE(complete(std::move(first)).has_value());
+    EXPECT_FALSE(complete(std::move(second)).has_value());
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, writingThatStandsStillFor60SecondsIsAFailure) {
+    openRaw();
+    raw.stopReading();
+    auto first = socket->send(QString(12 * 1024 * 1024, u'x'));
+    settleAfter(clock, 60s - 1ns);
+    EXPECT_FALSE(seen.end);
+    // What is queued behind it is no progress. The system may still take some bytes late, which is.
+    for (int i = 0; i < 12 && !seen.end; ++i) {
+        auto more = socket->send(u"more"_s);
+        settleAfter(clock, 10s);
+    }
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.reason(), "The connection timed out.");
+    EXPECT_FALSE(complete(std::move(first)).has_value());
+}
+
+TEST_F(ClientSocketTest, anyTextArrivesAsItWasSent) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    const QStringList texts{u""_s, u"\u00e4\U0001F600\n"_s, QString(600'000, u'\u20ac')};
+    for (const QString& text : texts)
+        EXPECT_TRUE(complete(socket->send(text)).has_value());
+    ASSERT_TRUE(spinUntil([&] { return server.texts().size() == 3; }));
+    EXPECT_TRUE(server.texts() == texts);
+}
+
+// Receiving.
+
+TEST_F(ClientSocketTest, aMessageInPiecesIsPutTogether) {
+    openRaw();
+    raw.write(QByteArray{"\x01\x04\xf0\x9f\x98\x80", 6});
+    raw.write(RawServer::frame(RawServer::pingOpcode, "between"));
+    raw.write(QByteArray{"\x00\x00", 2});
+    raw.write(QByteArray{"\x80\x01!", 3});
+    ASSERT_TRUE(spinUntil([&] { return seen.texts.size() == 1 || seen.end; }));
+    EXPECT_EQ(seen.texts, QStringList{u"\U0001F600!"_s}) << seen.reason();
+    EXPECT_TRUE(spinUntil([&] { return raw.count(RawServer::pongOpcode) == 1; }));
+}
+
+TEST_F(ClientSocketTest, framesAreKeptUntilSomeoneReads) {
+    ASSERT_TRUE(server.listen());
+    const auto unread = ClientSocket::open(mainExecutor(), clock, server.url());
+    ASSERT_TRUE(spinUntil([&] { return unread->isOpen() && server.count() == 1; }));
+    server.say(u"one"_s);
+    server.sayBinary("two");
+    server.close();
+    ASSERT_TRUE(spinUntil([&] { return !unread->isOpen(); }));
+    settle();
+    unread->read({.text = [&](const QString& text) { seen.texts.append(text); },
+                  .binary = [&](const QByteArray& bytes) { seen.binaries.append(bytes); },
+                  .ended = [&](const SocketEnd& end) { seen.end = end; }});
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(seen.texts, QStringList{u"one"_s});
+    EXPECT_EQ(seen.binaries, QList<QByteArray>{"two"});
+    EXPECT_TRUE(seen.end->isNormal);
+}
+
+TEST_F(ClientSocketTest, aMessageOf16MebibytesIsTaken) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen() && server.count() == 1; }));
+    server.sayBinary(QByteArray(16 * 1024 * 1024, 'x'));
+    ASSERT_TRUE(spinUntil([&] { return seen.binaries.size() == 1; }));
+    EXPECT_EQ(seen.binaries.first().size(), 16 * 1024 * 1024);
+}
+
+TEST_F(ClientSocketTest, aSingleFrameOf16MebibytesIsTaken) {
+    openRaw();
+    QByteArray frame{"\x82\x7f\x00\x00\x00\x00\x01\x00\x00\x00", 10};
+    raw.write(frame + QByteArray(16 * 1024 * 1024, 'x'));
+    ASSERT_TRUE(spinUntil([&] { return seen.binaries.size() == 1 || seen.end; }));
+    EXPECT_FALSE(seen.end) << seen.reason();
+}
+
+TEST_F(ClientSocketTest, aLargerMessageEndsTheConnection) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen() && server.count() == 1; }));
+    server.sayBinary(QByteArray(16 * 1024 * 1024 + 1, 'x'));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.reason().starts_with("The connection was closed with code 1009")) << seen.reason();
+    EXPECT_TRUE(seen.binaries.isEmpty());
+}
+
+TEST_F(ClientSocketTest, aFrameThatOnlyClaimsToBeHugeEndsTheConnection) {
+    openRaw();
+    raw.write(QByteArray{"\x82\x7f\x00\x00\x00\xff\x00\x00\x00\x00", 10});
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_TRUE(seen.reason().starts_with("The connection was closed with code 1009")) << seen.reason();
+}
+
+// Pings.
+
+TEST_F(ClientSocketTest, aPingIsAControlFrameAndCompletesWithItsPong) {
+    openRaw();
+    EXPECT_TRUE(complete(socket->ping()).has_value());
+    EXPECT_EQ(raw.count(RawServer::pingOpcode), 1);
+    EXPECT_EQ(raw.count(RawServer::textOpcode), 0);
+}
+
+TEST_F(ClientSocketTest, aPongThatNobodyAskedForMeansNothing) {
+    raw.answersPings = false;
+    openRaw();
+    auto ping = socket->ping();
+    raw.write(RawServer::frame(RawServer::pongOpcode, "other"));
+    raw.write(RawServer::frame(RawServer::textOpcode, "behind"));
+    ASSERT_TRUE(spinUntil([&] { return seen.texts.size() == 1; }));
+    EXPECT_FALSE(ping.isReady());
+    raw.write(RawServer::frame(RawServer::pongOpcode, raw.frames().last().payload));
+    EXPECT_TRUE(complete(std::move(ping)).has_value());
+}
+
+TEST_F(ClientSocketTest, aPingWithoutPongFailsAfter60SecondsAndEndsNothing) {
+    raw.answersPings = false;
+    openRaw();
+    auto ping = socket->ping();
+    settleAfter(clock, 60s - 1ns);
+    EXPECT_FALSE(ping.isReady());
+    settleAfter(clock, 1ns);
+    const auto result = complete(std::move(ping));
+    ASSERT_FALSE(result.has_value());
+    EXPECT_EQ(result.error().errorDescription(), u"The connection timed out."_s);
+    EXPECT_FALSE(seen.end);
+    EXPECT_TRUE(complete(socket->send(u"still open"_s)).has_value());
+}
+
+// Closing.
+
+TEST_F(ClientSocketTest, closeSendsCode1000WithoutReason) {
+    openRaw();
+    socket->close();
+    ASSERT_TRUE(spinUntil([&] { return raw.isGone(); }));
+    ASSERT_EQ(raw.count(RawServer::closeOpcode), 1);
+    EXPECT_EQ(raw.frames().last().payload, QByteArray{"\x03\xe8"});
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_NE(seen.end->error.as<CancelledError>(), nullptr);
+}
+
+TEST_F(ClientSocketTest, whatWasSentBeforeCloseArrives) {
+    ASSERT_TRUE(server.listen());
+    open(server.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen(); }));
+    const auto sending = socket->send(QString(100'000, u'x'));
+    socket->close();
+    ASSERT_TRUE(spinUntil([&] { return server.count() == 1 && server.last().isGone; }));
+    EXPECT_EQ(server.texts().size(), 1);
+    EXPECT_EQ(server.last().closeCode, 1000);
+}
+
+TEST_F(ClientSocketTest, closeBeforeTheHandshakeGivesUp) {
+    raw.onRequest = [](RawServer&) {};
+    ASSERT_TRUE(raw.listen());
+    open(raw.url());
+    auto waiting = socket->send(u"never"_s);
+    ASSERT_TRUE(spinUntil([&] { return !raw.request().isEmpty(); }));
+    socket->close();
+    const auto result = complete(std::move(waiting));
+    ASSERT_FALSE(result.has_value());
+    EXPECT_NE(result.error().as<CancelledError>(), nullptr);
+    EXPECT_TRUE(spinUntil([&] { return raw.isGone(); }));
+}
+
+TEST_F(ClientSocketTest, whatIsUnderWayFailsAsCancelled) {
+    raw.answersPings = false;
+    openRaw();
+    auto ping = socket->ping();
+    socket->close();
+    const auto result = complete(std::move(ping));
+    ASSERT_FALSE(result.has_value());
+    EXPECT_NE(result.error().as<CancelledError>(), nullptr);
+}
+
+TEST_F(ClientSocketTest, aSocketThatGoesReportsNothingAndSendsNoCloseFrame) {
+    openRaw();
+    socket.reset();
+    ASSERT_TRUE(spinUntil([&] { return raw.isGone(); }));
+    settle();
+    EXPECT_EQ(raw.count(RawServer::closeOpcode), 0);
+    EXPECT_EQ(seen.ends, 0);
+}
+
+}  // namespace
+}  // namespace corvellan::test
