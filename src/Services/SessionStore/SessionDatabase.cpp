@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QSet>
 
 #include "Models/Utf8.h"
 #include "SessionSchema.h"
@@ -107,22 +106,24 @@ public:
 
     std::int64_t number() { return next().getInt64(); }
     WallTime date() { return WallTime{std::chrono::milliseconds{number()}}; }
-    QByteArray bytes() {
+    /// Valid until the statement steps on.
+    QByteArrayView view() {
         const auto column = next();
         // The pointer first: asking for it may convert the value and change its size.
         const auto* const data = static_cast<const char*>(column.getBlob());
         return {data, column.getBytes()};
     }
-    QString text() { return textFromUtf8(bytes()); }
-    std::optional<QString> optionalText() {
-        const auto bytes = optionalBytes();
-        return bytes ? std::optional{textFromUtf8(*bytes)} : std::nullopt;
-    }
-    std::optional<QByteArray> optionalBytes() {
+    QByteArray bytes() { return view().toByteArray(); }
+    QString text() { return textFromUtf8(view()); }
+    std::optional<QByteArrayView> optionalView() {
         if (!m_statement.isColumnNull(m_index))
-            return bytes();
+            return view();
         ++m_index;
         return std::nullopt;
+    }
+    std::optional<QString> optionalText() {
+        const auto view = optionalView();
+        return view ? std::optional{textFromUtf8(*view)} : std::nullopt;
     }
     std::optional<std::int64_t> optionalNumber() {
         if (!m_statement.isColumnNull(m_index))
@@ -130,14 +131,16 @@ public:
         ++m_index;
         return std::nullopt;
     }
-    /// Null for anything but the form that `idText` writes.
+    /// Null for anything but the form that `idText` writes, which is the one that ids are looked up by.
     QUuid id() {
-        const auto text = bytes();
-        const auto id = QUuid::fromString(QLatin1StringView{text});
-        return idText(id) == std::string_view{text.constData(), static_cast<std::size_t>(text.size())} ? id : QUuid{};
+        constexpr qsizetype idLength = 36;
+        const auto text = view();
+        const bool isWritten =
+            text.size() == idLength && std::ranges::none_of(text, [](char c) { return c >= 'A' && c <= 'F'; });
+        return isWritten ? QUuid::fromString(QLatin1StringView{text}) : QUuid{};
     }
     /// A list that does not decode reads as an empty one.
-    QStringList strings() { return decodeStrings(bytes()).value_or(QStringList{}); }
+    QStringList strings() { return decodeStrings(view()).value_or(QStringList{}); }
 
 private:
     SQLite::Column next() { return m_statement.getColumn(m_index++); }
@@ -163,22 +166,21 @@ SessionRecord takeRecord(RowReader& row) {
     record.callId = row.optionalText();
     record.outcome = row.optionalText();
     record.feedbackRating = row.optionalNumber();
-    if (const auto evidence = row.optionalBytes())
+    if (const auto evidence = row.optionalView())
         if (auto decoded = decodeOptionalStrings(*evidence))
             record.meddicEvidence = std::move(*decoded);
     record.audienceRaw = row.optionalText();
     return record;
 }
 
+/// The bytes as a key for looking up; copies nothing.
+QByteArray lookUp(QByteArrayView bytes) {
+    return QByteArray::fromRawData(bytes.data(), bytes.size());
+}
+
 void setCriteria(SessionIndexEntry& entry, const MeddicScore& score) {
     entry.meddicScore = static_cast<std::int8_t>(score.score());
     std::ranges::copy(score.values(), std::begin(entry.meddicCriteriaMet));
-}
-
-AudienceType audienceOf(const std::optional<QString>& raw) {
-    SessionRecord record;
-    record.audienceRaw = raw;
-    return record.audience();
 }
 
 }  // namespace
@@ -299,19 +301,21 @@ std::expected<std::vector<StoredIndexEntry>, StoreError> SessionDatabase::readIn
             entry.id = row.id();
             entry.createdDate = row.date();
             entry.durationSecs = row.number();
-            const auto meddicData = row.bytes();
-            auto score = scores.constFind(meddicData);
+            const auto meddicData = row.view();
+            auto score = scores.constFind(lookUp(meddicData));
             if (score == scores.constEnd())
-                score = scores.insert(meddicData, decodeMeddicScore(meddicData).value_or(MeddicScore{}));
+                score = scores.insert(meddicData.toByteArray(), decodeMeddicScore(meddicData).value_or(MeddicScore{}));
             setCriteria(entry, *score);
             entry.wasTrainMode = row.number() != 0;
-            if (const auto company = row.optionalBytes()) {
-                auto& name = companies[*company];
-                if (name.isEmpty())
-                    name = textFromUtf8(*company);
-                entry.companyName = name;
+            if (const auto company = row.optionalView()) {
+                auto name = companies.constFind(lookUp(*company));
+                if (name == companies.constEnd())
+                    name = companies.insert(company->toByteArray(), textFromUtf8(*company));
+                entry.companyName = *name;
             }
-            entry.audience = audienceOf(row.optionalText());
+            if (const auto audience = row.optionalView())
+                entry.audience = audienceType({audience->data(), static_cast<std::size_t>(audience->size())})
+                                     .value_or(AudienceType::directSale);
             if (!entry.id.isNull())
                 entries.push_back(std::move(stored));
         }

@@ -1,0 +1,1 @@
+corvellan_fuzz(ClientMsg LINK Corvellan::Models)

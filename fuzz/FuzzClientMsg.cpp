@@ -1,0 +1,18 @@
+#include <cstddef>
+#include <cstdint>
+
+#include "RoundTrip.h"
+
+using namespace corvellan;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const QByteArrayView bytes{data, static_cast<qsizetype>(size)};
+    const auto message = ClientMsg::decode(bytes);
+    if (message)
+        fuzz::expectRoundTrip(
+            *message, [](const ClientMsg& value) { return value.encode().value(); },
+            [](const QByteArray& written) { return ClientMsg::decode(written); });
+    else
+        fuzz::expectSentence(message.error());
+    return 0;
+}

@@ -1,0 +1,1 @@
+corvellan_fuzz(ServerMsg LINK Corvellan::Models)

@@ -1,0 +1,1 @@
+corvellan_fuzz(SessionRecord LINK Corvellan::Models)
