@@ -79,7 +79,7 @@ constexpr std::array stages{
     StageRule{CallStage::closing, Speaker::salesperson,
               "send the contract|send the agreement|trial agreement|send the offer|start on monday|get you started"},
     StageRule{CallStage::closing, Speaker::customer,
-              "lets do it|let us do it|where do i sign|send me the contract|we are in"},
+              "lets do it|let us do it|where do i sign|send me the contract|count us in"},
     StageRule{CallStage::support, Speaker::customer,
               "ticket|outage|is down|not working|stopped working|support case|a bug"},
     StageRule{CallStage::renewal, Speaker::customer,

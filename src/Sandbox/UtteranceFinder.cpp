@@ -97,7 +97,11 @@ void UtteranceFinder::takeWindow(std::vector<SpeechEvent>& events) {
     if (isActive && isLoud)
         m_lastLoudEnd = m_windowEnd;
     const auto longest = static_cast<std::int64_t>(longestUtteranceSeconds * m_sampleRateHertz);
-    if (m_windowEnd - m_lastLoudEnd >= m_silenceSamples && !isActive)
+    // Speech that sets in just before the time is over is noticed only a few windows later.
+    const std::int64_t silent = m_windowEnd - m_lastLoudEnd;
+    const bool mayGoOn = (m_recentLoud & ((1U << windowsToBeginWith) - 1)) != 0 &&
+                         silent < m_silenceSamples + static_cast<std::int64_t>(windowsToBeginWith) * m_windowSamples;
+    if (silent >= m_silenceSamples && !isActive && !mayGoOn)
         end(events);
     else if (m_windowEnd - m_firstSample >= longest)
         end(events);

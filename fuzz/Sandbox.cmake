@@ -1,0 +1,2 @@
+corvellan_fuzz(CallScript LINK Corvellan::Sandbox)
+corvellan_fuzz(ProviderRequest LINK Corvellan::Sandbox)

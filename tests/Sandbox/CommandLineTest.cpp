@@ -1,0 +1,136 @@
+#include "Sandbox/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "GeneratedAudio.h"
+#include "Sandbox/Recogniser.h"
+#include "Sandbox/WavFile.h"
+
+namespace corvellan::test {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using sandbox::parseCommandLine;
+
+sandbox::ServeCommand serve(const QStringList& arguments) {
+    auto command = parseCommandLine(arguments);
+    EXPECT_TRUE(command) << command.error().toStdString();
+    return std::get<sandbox::ServeCommand>(*command);
+}
+
+struct BadArguments {
+    QStringList arguments;
+    const char16_t* message;
+};
+
+class BadCommandLines : public testing::TestWithParam<BadArguments> {};
+
+}  // namespace
+
+TEST(CommandLineTest, servesOnTheUsualPortsByDefault) {
+    const auto command = serve({});
+    EXPECT_EQ(command.options.coachPort, 3001);
+    EXPECT_EQ(command.options.providerPort, 3003);
+    EXPECT_EQ(command.options.closeAfter, std::chrono::milliseconds{500});
+    EXPECT_TRUE(command.options.keepAudioFolder.isEmpty());
+    EXPECT_FALSE(command.options.coachWire);
+    EXPECT_TRUE(command.texts.contains(u"--transcriber 'CMD {wav}'"_s));
+}
+
+TEST(CommandLineTest, takesFaultsAndProxies) {
+    const auto options =
+        serve({u"--fault"_s, u"unknown-enum"_s, u"--fault"_s, u"close-at-step-3:1001"_s, u"--fault"_s,
+               u"slow-summary:3000"_s, u"--proxy"_s, u"coach:delay:50"_s, u"--proxy"_s, u"stt:half-open"_s})
+            .options;
+    EXPECT_TRUE(options.faults.unknownEnum);
+    EXPECT_FALSE(options.faults.silence);
+    ASSERT_TRUE(options.faults.closeAt);
+    EXPECT_EQ(options.faults.closeAt->step, 3);
+    EXPECT_EQ(options.faults.closeAt->code, 1001);
+    EXPECT_EQ(options.faults.slowSummary, std::chrono::milliseconds{3000});
+    EXPECT_EQ(options.coachWire, (sandbox::WireFault{.kind = sandbox::WireFault::Kind::delay, .amount = 50}));
+    EXPECT_EQ(options.providerWire, (sandbox::WireFault{.kind = sandbox::WireFault::Kind::halfOpen, .amount = 2000}));
+    const auto both = serve({u"--proxy"_s, u"drop:7"_s}).options;
+    EXPECT_EQ(both.coachWire, both.providerWire);
+    EXPECT_EQ(both.coachWire->amount, 7);
+}
+
+TEST(CommandLineTest, takesAShippedScriptByItsName) {
+    EXPECT_EQ(serve({u"--script"_s, u"discovery-call"_s}).texts,
+              u"texts from the script discovery-call, 22 lines, 113 s"_s);
+}
+
+TEST(CommandLineTest, helpsInWords) {
+    const auto command = parseCommandLine({u"--help"_s});
+    ASSERT_TRUE(command);
+    const QString& help = std::get<sandbox::HelpCommand>(*command).text;
+    for (const auto& word : {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"refuse-token"_s,
+                             u"half-open"_s, u"close-at-step-N"_s})
+        EXPECT_TRUE(help.contains(word)) << word.toStdString();
+}
+
+TEST_P(BadCommandLines, areRefusedInWords) {
+    const auto command = parseCommandLine(GetParam().arguments);
+    ASSERT_FALSE(command);
+    EXPECT_EQ(command.error().toStdString(), QStringView{GetParam().message}.toString().toStdString());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, BadCommandLines,
+    testing::Values(
+        BadArguments{{u"serve"_s}, u"There is no command \"serve\""},
+        BadArguments{{u"--loud"_s}, u"Unknown option 'loud'."},
+        BadArguments{{u"--coach-port"_s, u"x"_s}, u"--coach-port takes a number from 0 to 65535, not \"x\""},
+        BadArguments{{u"--stt-port"_s, u"65536"_s}, u"--stt-port takes a number from 0 to 65535, not \"65536\""},
+        BadArguments{{u"--fault"_s, u"bad"_s}, u"--fault: there is no fault \"bad\""},
+        BadArguments{{u"--fault"_s, u"close-at-step-1:1005"_s},
+                     u"--fault: 1005 is no code that a close frame may carry"},
+        BadArguments{{u"--fault"_s, u"close-at-step-"_s}, u"--fault: there is no fault \"close-at-step-\""},
+        BadArguments{{u"--proxy"_s, u"bend"_s}, u"--proxy: there is no proxy mode \"bend\""},
+        BadArguments{{u"--proxy"_s, u"coach:delay:-1"_s}, u"--proxy: \"-1\" is no number for delay"},
+        BadArguments{{u"--transcriber"_s, u"whisper"_s},
+                     u"--transcriber: the command needs {wav} where the file's name goes"},
+        BadArguments{{u"--transcriber"_s, u"cat {wav}"_s, u"--script"_s, u"discovery-call"_s},
+                     u"Texts come from --script or from --transcriber, not from both"},
+        BadArguments{{u"--lengths"_s, u"x.json"_s}, u"--lengths goes with --script"},
+        BadArguments{{u"--script"_s, u"nothing"_s}, u"nothing: cannot read nothing: No such file or directory"},
+        BadArguments{{u"script"_s}, u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"},
+        BadArguments{{u"script"_s, u"a"_s, u"--list"_s, u"--json"_s},
+                     u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"},
+        BadArguments{{u"measure"_s}, u"Usage: corvellan-sandbox measure FILE.wav..."}));
+
+TEST(CommandLineTest, measuresFilesAsTheProviderHearsThem) {
+    QTemporaryDir folder;
+    const auto write = [&](const QString& name, const GeneratedAudio& audio) {
+        const QString path = folder.filePath(name);
+        EXPECT_TRUE(sandbox::WavWriter::create(path, 24'000)->append(audio.pcm()));
+        return path;
+    };
+    const QString first = write(u"1.wav"_s, GeneratedAudio{}.silence(0.3).tone(1.25).silence(0.4));
+    const QString second = write(u"2.wav"_s, GeneratedAudio{}.tone(0.5).silence(0.5).tone(0.5));
+    EXPECT_EQ(run(sandbox::MeasureCommand{{first, second}}), u"[1.25, 1.50]\n"_s);
+    const QString silent = write(u"3.wav"_s, GeneratedAudio{}.silence(1));
+    EXPECT_EQ(run(sandbox::MeasureCommand{{silent}}).error(), silent + u" holds 0 utterances, not one"_s);
+    EXPECT_FALSE(run(sandbox::MeasureCommand{{folder.filePath(u"4.wav"_s)}}));
+}
+
+TEST(CommandLineTest, printsAScriptWithMeasuredLengths) {
+    QTemporaryDir folder;
+    QFile file{folder.filePath(u"lengths.json"_s)};
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[9.5" + QByteArray{",null"}.repeated(21) + "]");
+    file.close();
+    const auto list = run(sandbox::ScriptCommand{.file = u"discovery-call"_s, .lengthsFile = file.fileName()});
+    ASSERT_TRUE(list);
+    EXPECT_TRUE(list->contains(u"mic     0:02.0   9.5 s  Hi Tom"_s)) << list->toStdString();
+}
+
+TEST(CommandLineTest, quotesAPathForTheShell) {
+    EXPECT_EQ(sandbox::shellQuoted(u"/tmp/it's $(here)"_s), u"'/tmp/it'\\''s $(here)'"_s);
+}
+
+}  // namespace corvellan::test

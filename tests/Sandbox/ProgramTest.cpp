@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <QHostAddress>
+#include <QProcess>
+#include <QTcpServer>
+
+#include "Support/TestLoop.h"
+
+namespace corvellan::test {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The built program itself.
+class ProgramTest : public testing::Test {
+protected:
+    ~ProgramTest() override {
+        if (program.state() == QProcess::NotRunning)
+            return;
+        program.kill();
+        program.waitForFinished();
+    }
+
+    void start(const QStringList& arguments) {
+        QObject::connect(&program, &QProcess::readyReadStandardOutput, &program,
+                         [this] { output += QString::fromUtf8(program.readAllStandardOutput()); });
+        program.start(QStringLiteral(SANDBOX_PROGRAM), arguments);
+        ASSERT_TRUE(program.waitForStarted());
+    }
+    [[nodiscard]] bool prints(const QString& text) {
+        return spinUntil([&] { return output.contains(text); });
+    }
+    [[nodiscard]] bool ends() {
+        return spinUntil([&] { return program.state() == QProcess::NotRunning; });
+    }
+
+    QProcess program;
+    QString output;
+};
+
+}  // namespace
+
+TEST_F(ProgramTest, printsItsAddressesAndEndsCleanlyOnASignal) {
+    start({u"--coach-port"_s, u"0"_s, u"--stt-port"_s, u"0"_s});
+    ASSERT_TRUE(prints(u"\nready\n"_s));
+    const QStringList lines = output.split(u'\n');
+    ASSERT_GE(lines.size(), 7);
+    EXPECT_TRUE(lines[0].startsWith(u"coach ws://127.0.0.1:"_s));
+    EXPECT_TRUE(lines[0].endsWith(u"/ws"_s));
+    EXPECT_TRUE(lines[2].startsWith(u"stt ws://127.0.0.1:"_s));
+    EXPECT_TRUE(lines[3].startsWith(u"coach ws://127.0.0.2:"_s));
+    ASSERT_TRUE(prints(u"no recogniser"_s));
+    program.terminate();
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_TRUE(prints(u"0 calls were held"_s));
+}
+
+TEST_F(ProgramTest, saysWhichPortIsTaken) {
+    QTcpServer taken;
+    ASSERT_TRUE(taken.listen(QHostAddress{u"127.0.0.2"_s}));
+    const QString port = QString::number(taken.serverPort());
+    start({u"--coach-port"_s, port, u"--stt-port"_s, u"0"_s});
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()),
+              u"corvellan-sandbox: Cannot listen on 127.0.0.2:%1: The bound address is already in use\n"_s.arg(port));
+    EXPECT_TRUE(output.isEmpty());
+}
+
+TEST_F(ProgramTest, refusesWrongOptionsWithStatusTwo) {
+    start({u"--coach-port"_s, u"many"_s});
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitCode(), 2);
+    EXPECT_TRUE(
+        QString::fromUtf8(program.readAllStandardError()).startsWith(u"corvellan-sandbox: --coach-port takes"_s));
+}
+
+TEST_F(ProgramTest, helps) {
+    start({u"--help"_s});
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_TRUE(prints(u"--transcriber 'CMD {wav}'"_s));
+}
+
+}  // namespace corvellan::test
