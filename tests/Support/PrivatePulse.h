@@ -1,7 +1,5 @@
 #pragma once
 
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -10,12 +8,12 @@
 #include <memory>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <span>
 #include <stdexcept>
 
+#include "ChildProcess.h"
 #include "TestLoop.h"
 
 namespace corvellan::test {
@@ -62,42 +60,30 @@ public:
     }
 
     void start() {
-        m_server = std::make_unique<QProcess>();
-        prepare(*m_server);
-        m_server->setStandardErrorFile(m_folder.filePath(QStringLiteral("server.log")));
-        m_server->start(
-            QStringLiteral("pulseaudio"),
-            {QStringLiteral("-n"), QStringLiteral("-F"), m_folder.filePath(QStringLiteral("test.pa")),
-             QStringLiteral("--daemonize=no"), QStringLiteral("--fail"), QStringLiteral("--exit-idle-time=-1"),
-             QStringLiteral("--use-pid-file=no"), QStringLiteral("--disable-shm=yes"), QStringLiteral("--realtime=no"),
-             QStringLiteral("--high-priority=no")});
+        m_server = spawn({"pulseaudio", "-n", "-F", path("test.pa"), "--daemonize=no", "--fail", "--exit-idle-time=-1",
+                          "--use-pid-file=no", "--disable-shm=yes", "--realtime=no", "--high-priority=no"},
+                         "server.log");
         if (!spinUntil([this] { return isAnswering(); }))
-            throw std::runtime_error("the sound server did not start");
+            throw std::runtime_error("the sound server did not start: " + contents("server.log").toStdString());
         // It listens before the rest of its configuration has run; it answers only after.
         control({QStringLiteral("info")});
     }
 
     /// As a crash would: nobody is told.
-    void kill() {
-        if (!m_server)
-            return;
-        m_server->kill();
-        m_server->waitForFinished(5000);
-        m_server.reset();
-    }
+    void kill() { m_server.reset(); }
 
     /// Stops it in mid-air: connections are accepted by the kernel and never answered.
-    void freeze() { ::kill(static_cast<pid_t>(m_server->processId()), SIGSTOP); }
+    void freeze() { m_server->signal(SIGSTOP); }
 
     /// Runs `pactl` and gives what it printed.
     QByteArray control(const QStringList& arguments) {
-        QProcess process;
-        prepare(process);
-        process.start(QStringLiteral("pactl"), arguments);
-        if (!process.waitForFinished(10'000) || process.exitCode() != 0)
+        std::vector<std::string> command{"pactl"};
+        for (const QString& argument : arguments)
+            command.push_back(argument.toStdString());
+        if (!spawn(command, "pactl.log")->finish())
             throw std::runtime_error("pactl " + arguments.join(u' ').toStdString() + ": " +
-                                     process.readAllStandardError().toStdString());
-        return process.readAllStandardOutput().trimmed();
+                                     contents("pactl.log").toStdString());
+        return contents("pactl.log").trimmed();
     }
 
     /// Loads a module and gives its number, for `unload-module`.
@@ -105,31 +91,36 @@ public:
         return QString::fromLatin1(control(QStringList{QStringLiteral("load-module")} + module.split(u' ')));
     }
 
-    /// Plays mono samples into a device; the process ends when they have been played.
-    std::unique_ptr<QProcess> play(const QString& device, std::span<const float> samples, int rate) {
-        QFile file{m_folder.filePath(QStringLiteral("play%1.raw").arg(++m_plays))};
+    /// Plays mono samples into a device; the program ends when they have been played.
+    std::unique_ptr<ChildProcess> play(const QString& device, std::span<const float> samples, int rate) {
+        const std::string name = "play" + std::to_string(++m_plays);
+        QFile file{QString::fromStdString(path(name + ".raw"))};
         if (!file.open(QIODevice::WriteOnly))
             throw std::runtime_error("can't write the sound to play");
         file.write(reinterpret_cast<const char*>(samples.data()), static_cast<qint64>(samples.size_bytes()));
         file.close();
-        auto process = std::make_unique<QProcess>();
-        prepare(*process);
-        process->start(QStringLiteral("paplay"),
-                       {QStringLiteral("--raw"), QStringLiteral("--format=float32le"), QStringLiteral("--channels=1"),
-                        QStringLiteral("--rate=%1").arg(rate), QStringLiteral("-d"), device, file.fileName()});
-        return process;
+        return spawn({"paplay", "--raw", "--format=float32le", "--channels=1", "--rate=" + std::to_string(rate), "-d",
+                      device.toStdString(), path(name + ".raw")},
+                     name + ".log");
     }
 
 private:
-    [[nodiscard]] QByteArray socketPath() const { return m_folder.filePath(QStringLiteral("run/native")).toUtf8(); }
+    [[nodiscard]] std::string path(const std::string& name) const {
+        return m_folder.filePath(QString::fromStdString(name)).toStdString();
+    }
 
-    void prepare(QProcess& process) const {
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), m_folder.path());
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.filePath(QStringLiteral("run")));
-        environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
-        process.setProcessEnvironment(environment);
-        process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    [[nodiscard]] QByteArray contents(const std::string& name) const {
+        QFile file{QString::fromStdString(path(name))};
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray{};
+    }
+
+    [[nodiscard]] QByteArray socketPath() const { return QByteArray::fromStdString(path("run/native")); }
+
+    [[nodiscard]] std::unique_ptr<ChildProcess> spawn(const std::vector<std::string>& command,
+                                                      const std::string& output) const {
+        const ChildProcess::Environment environment{
+            {"HOME", path("")}, {"XDG_RUNTIME_DIR", path("run")}, {"XDG_CONFIG_HOME", path("config")}};
+        return std::make_unique<ChildProcess>(command, environment, path(output));
     }
 
     [[nodiscard]] bool isAnswering() const {
@@ -143,7 +134,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    std::unique_ptr<QProcess> m_server;
+    std::unique_ptr<ChildProcess> m_server;
     int m_plays = 0;
 };
 

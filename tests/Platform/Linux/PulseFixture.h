@@ -100,7 +100,7 @@ protected:
         recording.clear();
         const auto played = chirp(0.8, rate);
         const auto player = pulse.play(device, played, static_cast<int>(rate));
-        if (!spinUntil([&] { return player->state() == QProcess::NotRunning; }))
+        if (!player->finish())
             return {};
         // The server holds back half a second at most.
         const auto enough = recording.mono().size() + static_cast<std::size_t>(rate / 2);

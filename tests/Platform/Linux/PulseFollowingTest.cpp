@@ -82,7 +82,7 @@ TEST_F(PulseFollowingTest, goesToTheNextDefaultWhenTheOutputIsRemovedAndNeverToT
     const auto said = chirp(0.5, 48'000);
     recording.clear();
     const auto player = pulse.play(u"micfeed"_s, said, 48'000);
-    ASSERT_TRUE(spinUntil([&] { return player->state() == QProcess::NotRunning; }));
+    ASSERT_TRUE(player->finish());
     const auto enough = recording.mono().size() + 20'000;
     ASSERT_TRUE(spinUntil([&] { return recording.mono().size() > enough; }));
     EXPECT_EQ(peak(recording.mono()), 0.0F);

@@ -201,15 +201,18 @@ TEST_P(AudioServiceTest, aStartWhileCapturingEndsTheOldCaptureAndLeavesItsStream
     const auto second = start();
     EXPECT_FALSE(inputs.devices[0]->isOpen());
     EXPECT_TRUE(inputs.devices[1]->isOpen());
+    std::stop_source stop;
     std::optional<Stream::Next> end;
-    auto reading = [](Stream stream, std::optional<Stream::Next>& next) -> QCoro::Task<void> {
-        next = co_await stream.next();
-    }(first, end);
+    auto reading = [](Stream from, std::stop_token token, std::optional<Stream::Next>& next) -> QCoro::Task<void> {
+        next = co_await from.next(token);
+    }(first, stop.get_token(), end);
     inputs.devices[1]->deliver(loud);
     EXPECT_TRUE(*read(second));
     complete(service.stopMic());
     EXPECT_FALSE(*read(second));
     EXPECT_FALSE(end);
+    stop.request_stop();
+    complete(std::move(reading));
 }
 
 TEST_P(AudioServiceTest, followsAnotherDevicesFormatWithoutEndingTheStream) {
