@@ -206,7 +206,8 @@ void ClientSocket::onPong(const QByteArray& payload) {
 // disconnects. It also tells of the socket below being closed, after an error of TLS for instance:
 // that one comes when the connection has gone and leaves the code at its first value, 1000.
 void ClientSocket::onAboutToClose() {
-    const auto code = m_socket->closeCode();
+    // As a number at once: a server's own code, 4000 for instance, is no value of Qt's enumeration.
+    const int code = m_socket->closeCode();
     const bool isNormal = code == QWebSocketProtocol::CloseCodeNormal;
     if (!m_isOpen || (isNormal && m_socket->state() != QAbstractSocket::ConnectedState))
         return;
@@ -215,7 +216,7 @@ void ClientSocket::onAboutToClose() {
         return;
     }
     // The codes for broken frames are Qt's own verdict on what the server sent.
-    QString text = u"The connection was closed with code %1"_s.arg(int{code});
+    QString text = u"The connection was closed with code %1"_s.arg(code);
     const QString reason = m_socket->closeReason();
     text += reason.isEmpty() ? u"."_s : u": "_s + reason;
     finish({.isNormal = false, .error = TransportError{std::move(text)}});

@@ -1,0 +1,1 @@
+corvellan_fuzz(SttFrame LINK Corvellan::Services)
