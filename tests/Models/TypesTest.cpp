@@ -25,7 +25,7 @@ void expectConsistent(const Rows& rows, std::size_t cases, FromRaw fromRaw) {
 
 }  // namespace
 
-TEST(TypesTest, callStages) {
+TEST(TypesTest, callStagesHaveTheirWordAbbreviationAndLevel) {
     expectConsistent(callStageRows, 9, callStage);
     const auto expect = [](CallStage stage, std::string_view raw, const QString& letters, int rank) {
         EXPECT_EQ(rawValue(stage), raw);
@@ -43,7 +43,7 @@ TEST(TypesTest, callStages) {
     expect(CallStage::renewal, "renewal", u"REN"_s, 0);
 }
 
-TEST(TypesTest, coachingTypes) {
+TEST(TypesTest, coachingTypesHaveTheirWordBadgeAndColor) {
     expectConsistent(coachingTypeRows, 7, coachingType);
     const auto expect = [](CoachingType type, std::string_view raw, const QString& badge, ColorRole role) {
         EXPECT_EQ(rawValue(type), raw);
@@ -59,7 +59,7 @@ TEST(TypesTest, coachingTypes) {
     expect(CoachingType::listen, "listen", u"LISTEN"_s, ColorRole::gray);
 }
 
-TEST(TypesTest, wordsWithoutLabels) {
+TEST(TypesTest, urgenciesConfidencesAndSidesHaveTheirWordsInOrder) {
     expectConsistent(coachingUrgencyRows, 3, coachingUrgency);
     EXPECT_EQ(coachingUrgency("high"), CoachingUrgency::high);
     EXPECT_EQ(coachingUrgency("medium"), CoachingUrgency::medium);
@@ -77,7 +77,7 @@ TEST(TypesTest, wordsWithoutLabels) {
     EXPECT_EQ(audioSourceTag("system"), AudioSourceTag::system);
 }
 
-TEST(TypesTest, customerSentiments) {
+TEST(TypesTest, customerSentimentsHaveTheirWordFaceAndColor) {
     expectConsistent(customerSentimentRows, 8, customerSentiment);
     const auto expect = [](CustomerSentiment sentiment, std::string_view raw, char32_t face, Tint tint) {
         EXPECT_EQ(rawValue(sentiment), raw);
@@ -114,7 +114,7 @@ TEST(TypesTest, discTypesHaveOneLabelForTheOverlayAndOneForThePicker) {
     expect(DiscType::unknown, "unknown", u"Unknown"_s, u"Random"_s, {ColorRole::gray, 0.5}, ColorRole::gray);
 }
 
-TEST(TypesTest, audienceTypes) {
+TEST(TypesTest, audienceTypesHaveTheirWordLabelIconAndColor) {
     expectConsistent(audienceTypeRows, 4, audienceType);
     const auto expect = [](AudienceType audience, std::string_view raw, const QString& text, const QString& symbol,
                            ColorRole role) {
@@ -129,7 +129,7 @@ TEST(TypesTest, audienceTypes) {
     expect(AudienceType::discovery, "discovery", u"Discovery"_s, u"magnifyingglass"_s, ColorRole::green);
 }
 
-TEST(TypesTest, callGoals) {
+TEST(TypesTest, callGoalsHaveTheirWordLabelIconAndColor) {
     expectConsistent(callGoalRows, 7, callGoal);
     const auto expect = [](CallGoal goal, std::string_view raw, const QString& text, const QString& symbol,
                            ColorRole role) {
