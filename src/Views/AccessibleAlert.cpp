@@ -16,10 +16,11 @@ void AccessibleAlert::setText(const QString& text) {
         return;
     m_text = text;
     Q_EMIT textChanged();
-    if (m_text.isEmpty() || !m_target || !QAccessible::isActive())
+    if (m_text.isEmpty() || !m_target)
         return;
     QAccessibleEvent alert{m_target, QAccessible::Alert};
     QAccessible::updateAccessibility(&alert);
+    Q_EMIT raised();
 }
 
 }  // namespace corvellan

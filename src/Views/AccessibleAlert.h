@@ -27,6 +27,8 @@ public:
 Q_SIGNALS:
     void targetChanged();
     void textChanged();
+    /// An alert has been raised; whether anyone listens is not known.
+    void raised();
 
 private:
     QPointer<QObject> m_target;

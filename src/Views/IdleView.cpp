@@ -49,7 +49,9 @@ QString IdleView::lastCall(const SummaryPayload& summary) {
 }
 
 QString IdleView::server(const QString& url, bool isLocal) {
-    QString address = QUrl{url}.authority(QUrl::PrettyDecoded);
+    QUrl parsed{url};
+    parsed.setUserInfo({});
+    QString address = parsed.authority();
     if (address.isEmpty())
         address = url;
     return isLocal ? u"Local server, "_s + address : u"Server: "_s + address;

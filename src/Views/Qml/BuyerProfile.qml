@@ -16,7 +16,7 @@ RowLayout {
         Layout.alignment: Qt.AlignTop
         Layout.fillWidth: true
         Layout.preferredWidth: 1
-        spacing: 1
+        spacing: 0
 
         ReadOut {
             theme: root.theme
@@ -55,7 +55,7 @@ RowLayout {
         Layout.alignment: Qt.AlignTop
         Layout.fillWidth: true
         Layout.preferredWidth: 1
-        spacing: 1
+        spacing: 0
 
         ReadOut {
             theme: root.theme
@@ -75,6 +75,9 @@ RowLayout {
                 textFormat: Text.PlainText
                 font.family: root.theme.emojiFamily
                 font.pixelSize: Math.round(18 * root.fs)
+                // The font's own line is taller than its pictures.
+                Layout.preferredHeight: font.pixelSize
+                verticalAlignment: Text.AlignVCenter
                 Accessible.ignored: true
             }
             ReadOut {

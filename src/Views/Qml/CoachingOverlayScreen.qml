@@ -22,17 +22,18 @@ FocusScope {
             Layout.maximumHeight: Math.round(root.height * 0.55)
             objectName: "whisperBlock"
             theme: root.theme
+            hasFade: true
             Accessible.name: qsTr("Tip")
 
             Item {
                 width: parent ? parent.width : 0
-                height: whisper.implicitHeight + 16
+                height: whisper.implicitHeight + 12
 
                 CoachingWhisper {
                     id: whisper
 
                     x: root.margin
-                    y: 8
+                    y: 6
                     width: parent.width - 2 * root.margin
                     overlay: root.overlay
                     theme: root.theme
@@ -52,19 +53,20 @@ FocusScope {
             Layout.fillHeight: true
             objectName: "stateBlock"
             theme: root.theme
+            hasFade: true
             Accessible.name: qsTr("State of the call")
 
             Item {
                 width: parent ? parent.width : 0
-                height: state.implicitHeight + 16
+                height: state.implicitHeight + 9
 
                 ColumnLayout {
                     id: state
 
                     x: root.margin
-                    y: 8
+                    y: 6
                     width: parent.width - 2 * root.margin
-                    spacing: 6
+                    spacing: 4
 
                     OverlayHeader {
                         Layout.fillWidth: true
@@ -144,8 +146,8 @@ FocusScope {
             Layout.fillWidth: true
             Layout.leftMargin: root.margin
             Layout.rightMargin: root.margin - 8
-            Layout.topMargin: 2
-            Layout.bottomMargin: 2
+            Layout.topMargin: 1
+            Layout.bottomMargin: 1
             overlay: root.overlay
             theme: root.theme
         }

@@ -9,7 +9,7 @@ ColumnLayout {
     required property CoachingOverlayView overlay
     required property Theme theme
 
-    spacing: 4
+    spacing: 3
 
     Item {
         Layout.fillWidth: true
@@ -67,6 +67,7 @@ ColumnLayout {
     }
 
     AccessibleAlert {
+        objectName: "tipAlert"
         target: message
         text: root.overlay.hasMessage ? root.overlay.message : ""
     }

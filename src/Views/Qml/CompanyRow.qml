@@ -10,7 +10,7 @@ ColumnLayout {
     required property Theme theme
     readonly property Item button: press
 
-    spacing: 4
+    spacing: 1
 
     Divider {
         Layout.fillWidth: true
@@ -33,40 +33,46 @@ ColumnLayout {
                               : root.overlay.isBriefShown ? qsTr("Folds the brief")
                               : root.overlay.isCompanyRowActive ? qsTr("Unfolds the brief") : ""
 
-        contentItem: RowLayout {
-            spacing: 6
+        contentItem: Item {
+            implicitHeight: 16
 
+            Row {
+                anchors.verticalCenter: parent.verticalCenter
+                spacing: 6
+
+                IconLabel {
+                    anchors.verticalCenter: parent.verticalCenter
+                    theme: root.theme
+                    symbol: root.overlay.companySymbol
+                    size: 9
+                    color: root.overlay.companySymbolColor
+                }
+                ReadOut {
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: Math.min(implicitWidth, press.availableWidth - 80)
+                    objectName: "companyName"
+                    theme: root.theme
+                    text: root.overlay.companyName
+                    size: 10
+                    color: Qt.alpha(root.theme.white, press.hovered && press.enabled ? 0.9 : 0.7)
+                    elide: Text.ElideRight
+                    maximumLineCount: 1
+                    Accessible.ignored: true
+                }
+                ReadOut {
+                    anchors.verticalCenter: parent.verticalCenter
+                    objectName: "handoffCaption"
+                    theme: root.theme
+                    visible: root.overlay.hasHandoff
+                    text: qsTr("Brief")
+                    size: 8
+                    color: Qt.alpha(root.theme.orange, 0.5)
+                    Accessible.ignored: true
+                }
+            }
             IconLabel {
-                theme: root.theme
-                symbol: root.overlay.companySymbol
-                size: 9
-                color: root.overlay.companySymbolColor
-            }
-            ReadOut {
-                Layout.fillWidth: true
-                Layout.maximumWidth: implicitWidth
-                objectName: "companyName"
-                theme: root.theme
-                text: root.overlay.companyName
-                size: 10
-                color: Qt.alpha(root.theme.white, 0.7)
-                elide: Text.ElideRight
-                maximumLineCount: 1
-                Accessible.ignored: true
-            }
-            ReadOut {
-                objectName: "handoffCaption"
-                theme: root.theme
-                visible: root.overlay.hasHandoff
-                text: qsTr("Brief")
-                size: 8
-                color: Qt.alpha(root.theme.orange, 0.5)
-                Accessible.ignored: true
-            }
-            Item {
-                Layout.fillWidth: true
-            }
-            IconLabel {
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
                 objectName: "chevron"
                 theme: root.theme
                 visible: symbol.length > 0

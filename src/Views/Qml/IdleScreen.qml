@@ -56,7 +56,7 @@ FocusScope {
             Layout.topMargin: 18
             objectName: "errorBox"
             visible: root.idle.errorMessage.length > 0
-            implicitHeight: Math.min(problem.implicitHeight, 120) + 20
+            implicitHeight: Math.min(problem.implicitHeight, Math.max(34, root.height - 380)) + 20
             radius: 8
             color: Qt.alpha(root.theme.red, 0.12)
             border.color: Qt.alpha(root.theme.red, 0.35)

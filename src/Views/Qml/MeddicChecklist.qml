@@ -11,7 +11,7 @@ ColumnLayout {
     required property CoachingOverlayView overlay
     required property Theme theme
 
-    spacing: 1
+    spacing: 0
 
     Repeater {
         model: root.overlay.checklist
@@ -30,7 +30,7 @@ ColumnLayout {
 
             Layout.fillWidth: true
             objectName: "criterion" + index
-            implicitHeight: name.implicitHeight + 2 + inset
+            implicitHeight: name.implicitHeight
             radius: 4
             color: Qt.alpha(root.theme.green, isHighlighted ? 0.2 : 0)
 

@@ -9,6 +9,8 @@ Item {
 
     required property Theme theme
     default property alias content: holder.data
+    /// What is cut off at the bottom fades into a dark ground.
+    property bool hasFade: false
     /// The height of everything in it.
     readonly property real contentHeight: holder.childrenRect.height
     readonly property bool isOverflowing: contentHeight > height + 0.5
@@ -74,6 +76,24 @@ Item {
             contentItem: Rectangle {
                 radius: 2
                 color: Qt.alpha(root.theme.white, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
+            }
+        }
+    }
+
+    Rectangle {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 18
+        visible: root.hasFade && root.isOverflowing && !flickable.atYEnd
+        gradient: Gradient {
+            GradientStop {
+                position: 0
+                color: Qt.alpha(root.theme.black, 0)
+            }
+            GradientStop {
+                position: 1
+                color: Qt.alpha(root.theme.black, 0.85)
             }
         }
     }

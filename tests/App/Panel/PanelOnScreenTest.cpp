@@ -1,0 +1,103 @@
+// The panel under a real window manager: what an off-screen window can't show.
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "PanelFixture.h"
+
+namespace corvellan::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class PanelOnScreenTest : public PanelFixture {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(QGuiApplication::platformName(), u"xcb"_s) << "run me through tests/Support/with-display";
+        panel.makeKeyAndOrderFront();
+        ASSERT_TRUE(spinUntil([&] { return panel.isExposed() && panel.isActive() && hasTitleBar(); }));
+    }
+    [[nodiscard]] bool hasTitleBar() const { return panel.frameMargins().top() > 0; }
+    [[nodiscard]] bool settlesAt(QSize size, bool withTitleBar) {
+        return spinUntil([&] { return panel.size() == size && hasTitleBar() == withTitleBar; });
+    }
+};
+
+TEST_F(PanelOnScreenTest, theFacesSwitchLiveInOneNativeWindow) {
+    const WId window = panel.winId();
+
+    panel.enterCallMode();
+    EXPECT_TRUE(settlesAt({700, 350}, false));
+    EXPECT_EQ(panel.winId(), window);
+    EXPECT_TRUE(panel.isExposed());
+
+    panel.enterIdleMode();
+    EXPECT_TRUE(settlesAt({680, 520}, true));
+    EXPECT_EQ(panel.winId(), window);
+}
+
+TEST_F(PanelOnScreenTest, aFaceChangeKeepsTheCentreAndTheTopEdge) {
+    panel.setFramePosition({400, 300});
+    ASSERT_TRUE(spinUntil([&] { return panel.frameGeometry().topLeft() == QPoint(400, 300); }));
+    const QRect before = panel.frameGeometry();
+
+    panel.enterCallMode();
+    ASSERT_TRUE(settlesAt({700, 350}, false));
+    EXPECT_TRUE(spinUntil([&] { return panel.frameGeometry().top() == before.top(); }));
+    EXPECT_NEAR(panel.frameGeometry().center().x(), before.center().x(), 1);
+
+    panel.enterIdleMode();
+    ASSERT_TRUE(settlesAt({680, 520}, true));
+    EXPECT_TRUE(spinUntil([&] { return panel.frameGeometry().top() == before.top(); }))
+        << panel.frameGeometry().top() << " and not " << before.top();
+    EXPECT_NEAR(panel.frameGeometry().center().x(), before.center().x(), 2);
+}
+
+TEST_F(PanelOnScreenTest, aLayoutThatGrowsNearTheEdgeStaysOnTheScreen) {
+    const QRect available = panel.screen()->availableGeometry();
+    panel.enterCallMode();
+    ASSERT_TRUE(settlesAt({700, 350}, false));
+    panel.setFramePosition({available.right() - 699, available.bottom() - 349});
+    ASSERT_TRUE(spinUntil([&] { return panel.x() == available.right() - 699; }));
+
+    fixture.preferences.setNumber(u"fontScale"_s, 2.0);
+    panel.setSessionMode(u"full"_s);
+
+    EXPECT_TRUE(spinUntil([&] { return available.contains(panel.frameGeometry()) && panel.width() == 1400; }))
+        << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
+}
+
+TEST_F(PanelOnScreenTest, closingHidesAndShowingBringsItBackInTheCallFace) {
+    panel.enterCallMode();
+    ASSERT_TRUE(settlesAt({700, 350}, false));
+
+    panel.close();
+    ASSERT_FALSE(panel.isVisible());
+    panel.makeKeyAndOrderFront();
+
+    EXPECT_TRUE(spinUntil([&] { return panel.isExposed() && panel.isActive(); }));
+    EXPECT_EQ(panel.size(), QSize(700, 350));
+}
+
+TEST_F(PanelOnScreenTest, orderFrontLeavesTheKeyboardWhereItIs) {
+    panel.close();
+    QWindow other;
+    other.resize(200, 100);
+    other.show();
+    other.requestActivate();
+    ASSERT_TRUE(spinUntil([&] { return other.isActive(); }));
+
+    panel.orderFront();
+
+    ASSERT_TRUE(spinUntil([&] { return panel.isExposed(); }));
+    int frames = 0;
+    ASSERT_TRUE(panel.afterNextFrame([&] { ++frames; }));
+    ASSERT_TRUE(spinUntil([&] { return frames == 1; }));
+    EXPECT_TRUE(other.isActive());
+    EXPECT_FALSE(panel.isActive());
+}
+
+}  // namespace
+
+}  // namespace corvellan::test

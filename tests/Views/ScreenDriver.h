@@ -1,0 +1,68 @@
+#pragma once
+
+#include <memory>
+#include <QObject>
+#include <QString>
+
+#include "FakeHandoffWindow.h"
+#include "Support/SessionFixture.h"
+#include "Views/CoachingOverlayView.h"
+#include "Views/IdleView.h"
+#include "Views/MainView.h"
+#include "Views/Theme.h"
+
+namespace corvellan::test {
+
+/// Gives QML tests view states over a session of fakes, and the hand to change what they show.
+class ScreenDriver : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QObject* overlay READ overlay NOTIFY madeAnew)
+    Q_PROPERTY(QObject* idle READ idle NOTIFY madeAnew)
+    Q_PROPERTY(QObject* main READ main NOTIFY madeAnew)
+    Q_PROPERTY(QObject* theme READ theme CONSTANT)
+
+public:
+    ScreenDriver();
+    ~ScreenDriver() override;
+
+    [[nodiscard]] QObject* overlay();
+    [[nodiscard]] QObject* idle();
+    [[nodiscard]] QObject* main();
+    [[nodiscard]] QObject* theme() { return &m_theme; }
+
+    /// Forgets everything; call before the screens of a test are made.
+    Q_INVOKABLE void reset();
+    Q_INVOKABLE void startCall(const QString& company);
+    Q_INVOKABLE void goLive();
+    Q_INVOKABLE void stopCall();
+    /// The words are those of the protocol's tables; an empty kind or urgency means none.
+    Q_INVOKABLE void tip(const QString& kind, const QString& urgency, const QString& message);
+    Q_INVOKABLE void setStatus(const QString& text);
+    Q_INVOKABLE void setMode(const QString& mode);
+    Q_INVOKABLE void setEvidence(int criterion, const QString& text);
+    Q_INVOKABLE void setJustConfirmed(int criterion);
+    Q_INVOKABLE void setBrief(const QString& text);
+    Q_INVOKABLE void setHandoff(const QString& note);
+    Q_INVOKABLE void setError(const QString& text);
+    Q_INVOKABLE void setSpeaking(bool isSpeaking);
+    Q_INVOKABLE void setFontScale(double scale);
+    Q_INVOKABLE void setProductHint(const QString& text);
+
+    Q_INVOKABLE [[nodiscard]] bool isSessionActive();
+    Q_INVOKABLE [[nodiscard]] int handoffsShown() const;
+    Q_INVOKABLE [[nodiscard]] bool wasSessionEnded() const;
+    /// The accessibility interface's own view of `item`: presses it as a screen reader does.
+    Q_INVOKABLE bool pressThroughAccessibility(QObject* item);
+
+Q_SIGNALS:
+    void madeAnew();
+
+private:
+    struct World;
+    SessionViewModel& session();
+
+    Theme m_theme;
+    std::unique_ptr<World> m_world;
+};
+
+}  // namespace corvellan::test

@@ -1,0 +1,39 @@
+#include <memory>
+#include <QGuiApplication>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QtQuickTest>
+
+#include "ScreenDriver.h"
+#include "Views/QuickSetup.h"
+
+namespace corvellan::test {
+
+/// What each QML test file's engine needs.
+class Setup : public QObject {
+    Q_OBJECT
+
+public Q_SLOTS:
+    void qmlEngineAvailable(QQmlEngine* engine) {
+        engine->addImportPath(QString::fromLatin1(qmlImportPath));
+        m_driver = std::make_unique<ScreenDriver>();
+        engine->rootContext()->setContextProperty(QStringLiteral("driver"), m_driver.get());
+    }
+    void cleanupTestCase() { m_driver.reset(); }
+
+private:
+    std::unique_ptr<ScreenDriver> m_driver;
+};
+
+}  // namespace corvellan::test
+
+int main(int argc, char** argv) {
+    QGuiApplication application{argc, argv};
+    corvellan::EventLoopExecutor main;
+    corvellan::test::setMainExecutor(main);
+    corvellan::prepareQuick();
+    corvellan::test::Setup setup;
+    return quick_test_main_with_setup(argc, argv, "Screens", nullptr, &setup);
+}
+
+#include "ScreensTestMain.moc"
