@@ -202,20 +202,19 @@ void ClientSocket::onPong(const QByteArray& payload) {
     forgetPing(payload, {});
 }
 
-// Qt answers a close frame by itself and tells of it here; a connection that is lost without one only
-// disconnects. It also tells of the socket below being closed, after an error of TLS for instance:
-// that one comes when the connection has gone and leaves the code at its first value, 1000.
+// Qt answers a close frame, or breaks off after a broken one, by itself and tells of it here; a connection
+// that is lost without either only names an error or disconnects. Qt tells of any socket below that is
+// closed too, so that before the handshake this means nothing.
 void ClientSocket::onAboutToClose() {
+    if (!m_isOpen)
+        return;
     // As a number at once: a server's own code, 4000 for instance, is no value of Qt's enumeration.
     const int code = m_socket->closeCode();
-    const bool isNormal = code == QWebSocketProtocol::CloseCodeNormal;
-    if (!m_isOpen || (isNormal && m_socket->state() != QAbstractSocket::ConnectedState))
-        return;
-    if (isNormal) {
+    // The code of a close frame that holds none reads as 1000 too.
+    if (code == QWebSocketProtocol::CloseCodeNormal) {
         finish({.isNormal = true, .error = TransportError{u"The server closed the connection."_s}});
         return;
     }
-    // The codes for broken frames are Qt's own verdict on what the server sent.
     QString text = u"The connection was closed with code %1"_s.arg(code);
     const QString reason = m_socket->closeReason();
     text += reason.isEmpty() ? u"."_s : u": "_s + reason;

@@ -1,4 +1,7 @@
+#include <sys/socket.h>
+
 #include <QSslConfiguration>
+#include <QSslSocket>
 
 #include "ClientSocketFixture.h"
 #include "Support/LoopbackCertificate.h"
@@ -221,6 +224,22 @@ TEST_F(ClientSocketTest, anEndlessHandshakeLineTakesBoundedMemory) {
 
 // TLS.
 
+/// While it lives, the certificate of the test servers is trusted.
+class TrustInLoopback {
+public:
+    TrustInLoopback() {
+        QSslConfiguration trusting = m_usual;
+        trusting.addCaCertificate(loopbackCertificate());
+        QSslConfiguration::setDefaultConfiguration(trusting);
+    }
+    ~TrustInLoopback() { QSslConfiguration::setDefaultConfiguration(m_usual); }
+    TrustInLoopback(const TrustInLoopback&) = delete;
+    TrustInLoopback& operator=(const TrustInLoopback&) = delete;
+
+private:
+    const QSslConfiguration m_usual = QSslConfiguration::defaultConfiguration();
+};
+
 TEST_F(ClientSocketTest, anUntrustedCertificateIsRefused) {
     LoopbackServer secure{QWebSocketServer::SecureMode};
     secure.server().setSslConfiguration(loopbackTls());
@@ -244,10 +263,7 @@ TEST_F(ClientSocketTest, aServerWithoutTlsFailsASecureConnection) {
 }
 
 TEST_F(ClientSocketTest, worksOverTls) {
-    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = usual;
-    trusting.addCaCertificate(loopbackCertificate());
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustInLoopback trust;
     LoopbackServer secure{QWebSocketServer::SecureMode};
     secure.server().setSslConfiguration(loopbackTls());
     ASSERT_TRUE(secure.listen());
@@ -260,14 +276,10 @@ TEST_F(ClientSocketTest, worksOverTls) {
     secure.close(QWebSocketProtocol::CloseCodeNormal);
     ASSERT_TRUE(waitForEnd());
     EXPECT_TRUE(seen.end->isNormal) << seen.reason();
-    QSslConfiguration::setDefaultConfiguration(usual);
 }
 
 TEST_F(ClientSocketTest, aTlsConnectionThatIsLostIsAFailure) {
-    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = usual;
-    trusting.addCaCertificate(loopbackCertificate());
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustInLoopback trust;
     LoopbackServer secure{QWebSocketServer::SecureMode};
     secure.server().setSslConfiguration(loopbackTls());
     ASSERT_TRUE(secure.listen());
@@ -276,7 +288,21 @@ TEST_F(ClientSocketTest, aTlsConnectionThatIsLostIsAFailure) {
     secure.last().socket->abort();
     ASSERT_TRUE(waitForEnd());
     EXPECT_FALSE(seen.end->isNormal);
-    QSslConfiguration::setDefaultConfiguration(usual);
+}
+
+TEST_F(ClientSocketTest, garbageInATlsStreamIsAFailure) {
+    const TrustInLoopback trust;
+    LoopbackServer secure{QWebSocketServer::SecureMode};
+    secure.server().setSslConfiguration(loopbackTls());
+    ASSERT_TRUE(secure.listen());
+    open(secure.url());
+    ASSERT_TRUE(spinUntil([&] { return socket->isOpen() && secure.count() == 1; }));
+    const auto* const below = secure.server().findChild<QSslSocket*>();
+    ASSERT_NE(below, nullptr);
+    const QByteArray garbage(64, 'x');
+    ASSERT_EQ(::send(static_cast<int>(below->socketDescriptor()), garbage.data(), garbage.size(), 0), 64);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_FALSE(seen.end->isNormal) << seen.reason();
 }
 
 }  // namespace

@@ -204,6 +204,16 @@ TEST_P(SttServiceTest, connectClosesTheConnectionThatItReplaces) {
     EXPECT_EQ(eventsOf({}), std::vector<SttEvent>{});
 }
 
+TEST_P(SttServiceTest, aReplacedConnectionIsLoggedAndYieldsNoEvent) {
+    connect();
+    const auto reader = listen();
+    connect();
+    ASSERT_TRUE(spinUntil([&] { return log.errors().size() == 1; }));
+    provider.say(completed(u"from the new one"_s));
+    ASSERT_TRUE(reader->waitFor(1));
+    EXPECT_EQ(reader->values(), std::vector{final(u"from the new one"_s)});
+}
+
 TEST_P(SttServiceTest, aLostConnectionIsLoggedAndIsAnEvent) {
     RawServer raw;
     ASSERT_TRUE(raw.listen());
