@@ -127,7 +127,13 @@ States companyStates() {
         session.setCachedHandoff(HandoffResponse{.handoffNote = u"# Nordwind"_s});
     });
     handoff.company = company.company;
-    return {company, folded, unfolded, handoff};
+    auto focused = unfolded;
+    focused.name = u"focus-company"_s;
+    focused.tabs = 1;
+    auto footer = unfolded;
+    footer.name = u"focus-footer"_s;
+    footer.tabs = 2;
+    return {company, folded, unfolded, handoff, focused, footer};
 }
 
 States buyerStates() {
@@ -221,6 +227,10 @@ States idleStates() {
                  session.setLastSummary(SummaryPayload{.durationSecs = 3725, .turns = 14, .meddic = {true}});
              }},
     };
+    auto focused = states.front();
+    focused.name = u"idle-focus"_s;
+    focused.tabs = 1;
+    states.push_back(focused);
     for (ScreenshotState& state : states)
         state.isCall = false;
     return states;

@@ -19,6 +19,8 @@ struct ScreenshotState {
     /// The layout that is asked for after the call has begun; absent leaves the call face as it begins.
     std::optional<QString> layout = std::nullopt;
     bool unfoldsBrief = false;
+    /// How often the Tab key is pressed.
+    int tabs = 0;
 };
 
 /// Every state that a user may get to see.

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLinearGradient>
 #include <QPainter>
 
@@ -65,6 +66,11 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     state.prepare(session);
     if (state.unfoldsBrief)
         panel.overlay().pressCompanyRow();
+    for (int i = 0; i < state.tabs; ++i)
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent key{type, Qt::Key_Tab, Qt::NoModifier};
+            QCoreApplication::sendEvent(&panel, &key);
+        }
     // Longer than every animation.
     spin(600ms);
     const QImage picture = panel.grabWindow();
