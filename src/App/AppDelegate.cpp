@@ -96,10 +96,12 @@ void AppDelegate::applicationDidFinishLaunching() {
         .handoffWindowController = m_parts->handoffWindow,
     });
     installCallbacks();
-    measureStartUp();
     measureTips();
+    // Nothing else would bring a hidden window back.
+    connect(m_parts->panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::quit);
     m_parts->panel->enterIdleMode();
     m_parts->panel->makeKeyAndOrderFront();
+    measureStartUp();
     m_parts->diagnosticsObject.publish();
 }
 
@@ -136,10 +138,14 @@ void AppDelegate::installCallbacks() {
 }
 
 void AppDelegate::measureStartUp() {
-    m_parts->panel->afterNextFrame([parts = m_parts.get()] {
-        parts->diagnostics.firstFrameMicroseconds =
-            std::chrono::floor<std::chrono::microseconds>(parts->clock.now() - parts->launchedAt).count();
-    });
+    // The window is not exposed yet, so its first swap is the first frame.
+    connect(
+        m_parts->panel.get(), &QQuickWindow::frameSwapped, this,
+        [parts = m_parts.get()] {
+            parts->diagnostics.firstFrameMicroseconds =
+                std::chrono::floor<std::chrono::microseconds>(parts->clock.now() - parts->launchedAt).count();
+        },
+        Qt::SingleShotConnection);
 }
 
 void AppDelegate::measureTips() {

@@ -1,8 +1,6 @@
 #include "AuthTokens.h"
 
-#include <boost/json.hpp>
-
-#include "Protocol.h"
+#include "JsonReading.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,26 +8,23 @@ namespace corvellan {
 
 namespace {
 
-namespace json = boost::json;
-
-std::optional<json::object> parseObject(QByteArrayView bytes) {
-    boost::system::error_code error;
-    auto value = json::parse({bytes.data(), static_cast<std::size_t>(bytes.size())}, error);
-    if (error || !value.is_object())
-        return std::nullopt;
-    return std::move(value.get_object());
-}
-
-std::optional<QString> string(const json::object& object, std::string_view key) {
-    const auto* const value = object.if_contains(key);
-    if (!value || !value->is_string())
-        return std::nullopt;
-    const auto& text = value->get_string();
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-Error wrongType(QLatin1StringView path) {
-    return DecodingError{.kind = DecodingError::Kind::wrongType, .path = path, .detail = {}};
+/// Reads fields of the one object that `bytes` hold; anything else is a failure.
+template <typename Read>
+std::expected<void, Error> readObject(QByteArrayView bytes, Read read) {
+    JsonDocument document;
+    const auto root = document.parse(bytes);
+    if (!root)
+        return std::unexpected(Error{root.error()});
+    ValueReader values;
+    if (const auto* const object = (*root)->if_object()) {
+        FieldReader reader{*object, values};
+        read(reader);
+    } else {
+        values.fail(DecodingError::Kind::wrongType, {}, u"expected an object"_s);
+    }
+    if (values.failure())
+        return std::unexpected(Error{*values.failure()});
+    return {};
 }
 
 }  // namespace
@@ -42,28 +37,15 @@ bool AuthTokens::isValid(WallTime now) const {
     return static_cast<std::uint64_t>(seconds) + marginSeconds < *expiresAt;
 }
 
-std::expected<AuthTokens, Error> AuthTokens::decode(QByteArrayView bytes) {
-    const auto object = parseObject(bytes);
-    if (!object)
-        return std::unexpected(DecodingError{.kind = DecodingError::Kind::notJson, .path = {}, .detail = {}});
+std::expected<AuthTokens, Error> AuthTokens::decode(QByteArrayView json) {
     AuthTokens tokens;
-    const auto accessToken = string(*object, "access_token");
-    if (!accessToken)
-        return std::unexpected(
-            DecodingError{.kind = DecodingError::Kind::missingField, .path = u"access_token"_s, .detail = {}});
-    tokens.accessToken = *accessToken;
-    if (const auto* const value = object->if_contains("refresh_token"); value && !value->is_null()) {
-        tokens.refreshToken = string(*object, "refresh_token");
-        if (!tokens.refreshToken)
-            return std::unexpected(wrongType("refresh_token"_L1));
-    }
-    if (const auto* const value = object->if_contains("expires_at"); value && !value->is_null()) {
-        boost::system::error_code error;
-        const auto number = value->to_number<std::uint64_t>(error);
-        if (error)
-            return std::unexpected(wrongType("expires_at"_L1));
-        tokens.expiresAt = number;
-    }
+    const auto read = readObject(json, [&](FieldReader& reader) {
+        reader.field("access_token", tokens.accessToken);
+        reader.field("refresh_token", tokens.refreshToken);
+        reader.field("expires_at", tokens.expiresAt);
+    });
+    if (!read)
+        return std::unexpected(read.error());
     return tokens;
 }
 
@@ -78,8 +60,9 @@ std::optional<QString> jwtSubject(const QString& token) {
     const auto decoded = QByteArray::fromBase64Encoding(payload, QByteArray::AbortOnBase64DecodingErrors);
     if (!decoded)
         return std::nullopt;
-    const auto object = parseObject(*decoded);
-    return object ? string(*object, "sub") : std::nullopt;
+    QString subject;
+    const auto read = readObject(*decoded, [&](FieldReader& reader) { reader.field("sub", subject); });
+    return read ? std::optional{subject} : std::nullopt;
 }
 
 }  // namespace corvellan

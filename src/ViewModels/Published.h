@@ -29,7 +29,7 @@ private:                                      \
 #define CORVELLAN_PUBLISHED_READ_ONLY(type, name) \
 public:                                           \
     Q_SIGNAL void name##Changed();                \
-    [[nodiscard]] const type& name() const {      \
+    [[nodiscard]] type const& name() const {      \
         return m_##name;                          \
     }                                             \
                                                   \

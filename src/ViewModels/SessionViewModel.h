@@ -23,6 +23,7 @@
 #include "Services/Protocols/SessionStoreProtocol.h"
 #include "Services/Protocols/SttServiceProtocol.h"
 #include "Services/Protocols/TtsServiceProtocol.h"
+#include "Services/Protocols/UpdaterProtocol.h"
 #include "Services/Protocols/WebSocketServiceProtocol.h"
 #include "TranscriptModel.h"
 
@@ -142,6 +143,8 @@ public:
     CORVELLAN_PUBLISHED(std::optional<ResolvedCompany>, companyForBrief, setCompanyForBrief);
     CORVELLAN_PUBLISHED(bool, isLoadingMeetings, setIsLoadingMeetings) = false;
     CORVELLAN_PUBLISHED(std::optional<QString>, calendarError, setCalendarError);
+    /// Set once at start-up; null when the program has no updater.
+    CORVELLAN_PUBLISHED(UpdaterProtocol*, sparkleUpdater, setSparkleUpdater) = nullptr;
     CORVELLAN_PUBLISHED(bool, updateAvailable, setUpdateAvailable) = false;
     CORVELLAN_PUBLISHED(qint64, elapsedSeconds, setElapsedSeconds) = 0;
     CORVELLAN_PUBLISHED(std::optional<QString>, crmBrief, setCrmBrief);

@@ -13,6 +13,15 @@ QString label(TranscriptSource source) {
     Q_UNREACHABLE();
 }
 
+Tint color(TranscriptSource source) {
+    switch (source) {
+    case TranscriptSource::mic: return {ColorRole::cyan};
+    case TranscriptSource::system: return {ColorRole::orange};
+    case TranscriptSource::coach: return {ColorRole::white, 0.4};
+    }
+    Q_UNREACHABLE();
+}
+
 int TranscriptModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Base/Clock.h"
+#include "Models/Types.h"
 
 namespace corvellan {
 
@@ -22,6 +23,8 @@ struct TranscriptLine {
 
 /// "YOU", "THEM", "COACH".
 [[nodiscard]] QString label(TranscriptSource source);
+/// The colour of the label.
+[[nodiscard]] Tint color(TranscriptSource source);
 
 /// Everything said in a session, in order of arrival, without a limit. Appending costs the same at
 /// the first line and at the hundred-thousandth. Main thread.

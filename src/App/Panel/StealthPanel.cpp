@@ -126,6 +126,7 @@ bool StealthPanel::event(QEvent* event) {
     if (event->type() == QEvent::Close) {
         event->ignore();
         hide();
+        Q_EMIT closedByUser();
         return true;
     }
     return QQuickView::event(event);

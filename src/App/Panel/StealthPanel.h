@@ -61,6 +61,10 @@ public:
     /// window is hidden: then there is no such frame, and the answer is false.
     bool afterNextFrame(std::function<void()> done);
 
+Q_SIGNALS:
+    /// The user pressed the close button, and the window has been hidden.
+    void closedByUser();
+
 protected:
     bool event(QEvent* event) override;
 
