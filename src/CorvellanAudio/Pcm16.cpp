@@ -16,9 +16,10 @@ constexpr double outputRateHertz = 24'000.0;
 constexpr double mostOutputSamples = 1 << 30;
 
 void storeSample(std::int16_t sample, char* bytes) {
-    const auto bits = static_cast<std::uint16_t>(sample);
-    bytes[0] = static_cast<char>(bits & 0xFFU);
-    bytes[1] = static_cast<char>(bits >> 8U);
+    auto bits = static_cast<std::uint16_t>(sample);
+    if constexpr (std::endian::native == std::endian::big)
+        bits = static_cast<std::uint16_t>(bits << 8U | bits >> 8U);
+    std::memcpy(bytes, &bits, sizeof bits);
 }
 
 }  // namespace
@@ -37,13 +38,15 @@ void resampleToPCM16(std::span<const float> samples, double fromRate, double toR
     if (outCount == 0)
         return;
     const double ratio = fromRate / toRate;
-    const std::size_t last = samples.size() - 1;
+    // Signed, since only that conversion from a floating-point number is one instruction.
+    const auto last = static_cast<std::ptrdiff_t>(samples.size()) - 1;
+    const float* const input = samples.data();
     for (std::size_t i = 0; i < outCount; ++i) {
-        const double position = static_cast<double>(i) * ratio;
-        const auto base = static_cast<std::size_t>(position);
+        const double position = static_cast<double>(static_cast<std::ptrdiff_t>(i)) * ratio;
+        const auto base = static_cast<std::ptrdiff_t>(position);
         const auto frac = static_cast<float>(position - static_cast<double>(base));
-        const float s0 = withoutNaN(samples[std::min(base, last)]);
-        const float s1 = withoutNaN(samples[std::min(base + 1, last)]);
+        const float s0 = withoutNaN(input[std::min(base, last)]);
+        const float s1 = withoutNaN(input[std::min(base + 1, last)]);
         // Two infinities have no difference: NaN again.
         const float value = withoutNaN(s0 + (s1 - s0) * frac);
         storeSample(static_cast<std::int16_t>(std::clamp(value, -1.0F, 1.0F) * 32767.0F), &bytes[2 * i]);

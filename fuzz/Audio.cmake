@@ -1,0 +1,1 @@
+corvellan_fuzz(AudioBuffers LINK Corvellan::Audio)
