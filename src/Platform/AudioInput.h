@@ -36,6 +36,9 @@ struct AudioInputError {
     [[nodiscard]] QString errorDescription() const { return message; }
 };
 
+/// How many frames of the microphone are asked for at once: a wish that the platform may not grant.
+inline constexpr std::uint32_t microphoneTapFrames = 9600;
+
 /// Who receives an input's sound. All members are called on the input's own audio thread, one at a
 /// time: they must not wait, and must not destroy the input.
 struct AudioInputSink {

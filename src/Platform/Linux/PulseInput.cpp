@@ -10,8 +10,6 @@ namespace corvellan {
 
 namespace {
 
-// What the microphone is asked for at once, as a tap would be; the system side is asked for its blocks.
-constexpr std::size_t tapFrames = 9600;
 constexpr std::uint32_t blocksPerSecond = 50;
 
 constexpr auto openingLimit = 2s;
@@ -266,7 +264,7 @@ void PulseInput::deviceFound(const PulseDevice& device) {
         return;
     }
     PulseDevice wanted = device;
-    std::size_t fragmentFrames = tapFrames;
+    std::size_t fragmentFrames = microphoneTapFrames;
     const char* title = "Microphone";
     if (m_kind == AudioInputKind::systemOutput) {
         // Whoever resamples block by block needs one rate from the first to the last.

@@ -29,9 +29,6 @@ struct AudioError {
 /// and its stream stays open and silent. What arrives while a start is under way counts as before it.
 class AudioService final : public AudioServiceProtocol {
 public:
-    /// What is asked of the device, in frames; readers must not rely on it.
-    static constexpr int tapFrames = 9600;
-
     /// All arguments must outlive the service. `counters` receives frames, bytes and reopenings.
     AudioService(Executor& executor, Clock& clock, AudioInputs& inputs, Diagnostics::Side& counters);
     /// Ends capture and the stream without a word in the log. Waits for `executor`.

@@ -3,6 +3,7 @@
 #include <optional>
 #include <stop_token>
 #include <utility>
+#include <vector>
 
 #include "Base/Log.h"
 #include "Base/Text.h"
@@ -37,6 +38,8 @@ struct SystemAudioService::State {
     std::unique_ptr<SystemAudioCapture> capture;
     float audioLevel = 0.0F;
 
+    /// Streams that are still read, so that none is left to call a service that has gone.
+    std::vector<AsyncStream<AudioChunk>::Producer> openStreams;
     /// Names the capture at hand, so that a late level of one that has ended is not taken for it.
     std::uint64_t captureNumber = 0;
     std::stop_source gone;
@@ -60,6 +63,11 @@ struct SystemAudioService::State {
         audioLevel = 0.0F;
     }
 
+    void endStreams() {
+        for (const auto& stream : std::exchange(openStreams, {}))
+            stream.finish();
+    }
+
     void stop() {
         endCapture();
         logger.info(u"System audio stopped"_s);
@@ -72,7 +80,10 @@ SystemAudioService::SystemAudioService(Executor& executor, Clock& clock, AudioIn
 
 SystemAudioService::~SystemAudioService() {
     m_state->gone.request_stop();
-    runAndWait(m_state->executor, [this] { m_state->endCapture(); });
+    runAndWait(m_state->executor, [this] {
+        m_state->endCapture();
+        m_state->endStreams();
+    });
 }
 
 QCoro::Task<std::expected<AsyncStream<AudioChunk>, Error>> SystemAudioService::start() {
@@ -91,6 +102,8 @@ QCoro::Task<std::expected<AsyncStream<AudioChunk>, Error>> SystemAudioService::s
         state->capture = std::move(started->capture);
         const double rate = state->capture->sampleRate;
         auto [stream, producer] = AsyncStream<AudioChunk>::make();
+        std::erase_if(state->openStreams, [](const auto& older) { return older.hasEnded(); });
+        state->openStreams.push_back(producer);
         const std::uint64_t number = ++state->captureNumber;
         const std::weak_ptr<State> weak = state;
         Executor& executor = state->executor;
@@ -112,7 +125,8 @@ QCoro::Task<std::expected<AsyncStream<AudioChunk>, Error>> SystemAudioService::s
             });
         producer.onTermination([weak, &executor] {
             executor.post([weak] {
-                if (const auto service = weak.lock())
+                const auto service = weak.lock();
+                if (service && !service->gone.stop_requested())
                     service->stop();
             });
         });

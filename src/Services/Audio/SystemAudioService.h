@@ -21,7 +21,7 @@ class SystemAudioService final : public SystemAudioServiceProtocol {
 public:
     /// All arguments must outlive the service. `counters` receives frames, bytes and reopenings.
     SystemAudioService(Executor& executor, Clock& clock, AudioInputs& inputs, Diagnostics::Side& counters);
-    /// Ends the capture without a word in the log. Waits for `executor`.
+    /// Ends capture and streams without a word in the log. Waits for `executor`.
     ~SystemAudioService() override;
     SystemAudioService(const SystemAudioService&) = delete;
     SystemAudioService& operator=(const SystemAudioService&) = delete;

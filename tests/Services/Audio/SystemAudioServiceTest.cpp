@@ -176,6 +176,22 @@ TEST_P(SystemAudioServiceTest, endsTheCaptureWhenItGoes) {
     ASSERT_TRUE(result);
     shortLived.reset();
     EXPECT_FALSE(inputs.devices[0]->isOpen());
+    EXPECT_FALSE(*read(*result));
+    settleService();
+    EXPECT_EQ(log().size(), 1) << "it goes without a word";
+}
+
+TEST_P(SystemAudioServiceTest, aStreamMayOutliveTheServiceAndItsThread) {
+    std::optional<Stream> stream;
+    {
+        WorkerThread thread{"short"};
+        SystemAudioService shortLived{thread.executor(), clock, inputs, counters};
+        auto result = complete(shortLived.start());
+        ASSERT_TRUE(result);
+        stream.emplace(std::move(*result));
+    }
+    EXPECT_FALSE(*read(*stream));
+    stream.reset();
 }
 
 TEST_P(SystemAudioServiceTest, givesUpAnOpeningThatIsUnderWayWhenItGoes) {
