@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <coroutine>
 #include <memory>
@@ -147,6 +148,32 @@ public:
 
 private:
     std::optional<CancellableTask> m_task;
+};
+
+/// Lets coroutines wait for what others on the same executor announce. Not thread-safe.
+class Announcement {
+public:
+    /// Awaitable: resumes after the next `announce`.
+    [[nodiscard]] auto next() { return Awaiter{*this}; }
+
+    void announce() {
+        for (const auto& waiter : std::exchange(m_waiters, {}))
+            waiter->wake();
+    }
+
+private:
+    struct Awaiter {
+        Announcement& announcement;
+
+        [[nodiscard]] bool await_ready() const { return false; }
+        void await_suspend(std::coroutine_handle<> handle) const {
+            Q_ASSERT(Executor::current());
+            announcement.m_waiters.push_back(std::make_shared<detail::WakeOnce>(*Executor::current(), handle));
+        }
+        void await_resume() const {}
+    };
+
+    std::vector<std::shared_ptr<detail::WakeOnce>> m_waiters;
 };
 
 /// Children that run side by side under one stop token. One that ends early ends nothing else.

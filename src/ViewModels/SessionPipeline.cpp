@@ -96,6 +96,10 @@ void SessionViewModel::resetForSession() {
 
 QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_token stop) {
     ++m_runningSessions;
+    // The pipeline that the last summary left running works on the same services: what it closes last
+    // would be this call's connection.
+    while (m_pipelines > 0)
+        co_await m_pipelineClosed.next();
     const auto signedIn = co_await signIn();
     if (!signedIn) {
         co_await failSession(signedIn.error());
@@ -168,9 +172,9 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_t
 
     setStatusText(u"Listening..."_s);
     debugLog(u"Pipeline ready — listening"_s);
+    ++m_pipelines;
     co_await runLivePhase(std::move(streams), stop);
-    co_await cleanUp();
-    exitSession();
+    co_await closePipeline();
 }
 
 QCoro::Task<std::expected<std::optional<QString>, Error>> SessionViewModel::signIn() {
@@ -255,16 +259,19 @@ QCoro::Task<void> SessionViewModel::failSession(Error error) {
     setErrorMessage(error.errorDescription());
     m_logger.error(u"Session error: "_s + error.debugDescription());
     debugLog(u"ERROR: "_s + error.debugDescription());
-    co_await cleanUp();
-    exitSession();
+    ++m_pipelines;
+    co_await closePipeline();
 }
 
-QCoro::Task<void> SessionViewModel::cleanUp() {
+QCoro::Task<void> SessionViewModel::closePipeline() {
     co_await m_audio->stopMic();
     co_await m_stt->disconnect();
     co_await m_systemAudio->stop();
     co_await m_systemStt->disconnect();
     co_await m_webSocket->disconnect();
+    exitSession();
+    --m_pipelines;
+    m_pipelineClosed.announce();
 }
 
 void SessionViewModel::exitSession() {

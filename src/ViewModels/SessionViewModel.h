@@ -255,7 +255,8 @@ private:
     void refuseWithoutToken();
     QCoro::Task<void> startSystemAudio(SessionStartedPayload started, LiveStreams& streams);
     QCoro::Task<void> failSession(Error error);
-    QCoro::Task<void> cleanUp();
+    /// The cleanup in full, also of services that were never started, and the exit.
+    QCoro::Task<void> closePipeline();
     void exitSession();
     QCoro::Task<void> runElapsedTimer(std::stop_token stop);
     QCoro::Task<void> applyScreenShareToggle();
@@ -298,6 +299,9 @@ private:
     TaskSlot m_timerTask;
     TaskSlot m_autoStartTask;
     int m_runningSessions = 0;
+    /// Sessions in their live phase or being closed, and word of each one's end.
+    int m_pipelines = 0;
+    Announcement m_pipelineClosed;
     int m_detachedTasks = 0;
     MonotonicTime m_lastRealTranscriptTime{};
     bool m_isTrainMode = false;

@@ -98,6 +98,30 @@ TEST(TasksTest, aGroupWaitsForEveryChildAndOneThatEndsEarlyEndsNothingElse) {
     EXPECT_EQ(events, (std::vector<std::string>{"early", "late", "all"}));
 }
 
+TEST(TasksTest, anAnnouncementWakesAllWhoWaitForItAndNotTheLateComers) {
+    Announcement announcement;
+    int woken = 0;
+    const auto waiter = [&] {
+        static_cast<void>(CancellableTask::start([&](std::stop_token) -> QCoro::Task<void> {
+            co_await announcement.next();
+            ++woken;
+        }));
+    };
+    waiter();
+    waiter();
+    settle();
+    announcement.announce();
+    EXPECT_EQ(woken, 0);
+    settle();
+    EXPECT_EQ(woken, 2);
+    waiter();
+    settle();
+    EXPECT_EQ(woken, 2);
+    announcement.announce();
+    settle();
+    EXPECT_EQ(woken, 3);
+}
+
 TEST(TasksTest, theSystemClockWakesSleepers) {
     SystemClock clock;
     const auto start = clock.now();

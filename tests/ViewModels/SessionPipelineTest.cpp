@@ -518,15 +518,47 @@ TEST(SessionPipelineTest, theNextStartClosesThePipelineOfTheLastAndItsLateExitLa
     fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
     settle();
     fixture.log.clear();
-    std::vector<bool> activity;
-    session.onSessionActiveChanged = [&](bool value) { activity.push_back(value); };
+    QStringList states;
+    recordStatus(session, states);
+    session.startSession({.company = u"Next"_s});
+    EXPECT_EQ(session.lastSummary(), std::nullopt);
+    settle();
+    // The old task works on the same services: its steps come first, or it would close the new call.
+    auto expected = fullCleanup;
+    expected.insert(expected.end(), {"ws.connect", "ws.send"});
+    EXPECT_EQ(fixture.log, expected);
+    EXPECT_EQ(states.mid(0, 2), (QStringList{u"Ready"_s, u"Connecting..."_s}));
+    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+    settle();
+    EXPECT_TRUE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+    EXPECT_TRUE(fixture.audio->isRunning());
+}
+
+TEST(SessionPipelineTest, aStartRightAfterAStopWaitsForTheClosing) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    fixture.goLive();
+    session.stopSession();
     session.startSession();
     settle();
-    // The old task's steps work on the same services, and its exit comes while the new one is coming up.
-    for (const auto& step : fullCleanup)
-        EXPECT_TRUE(fixture.did(step)) << step;
-    EXPECT_NE(std::ranges::find(activity, false), activity.end());
-    EXPECT_TRUE(fixture.did("ws.connect"));
+    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+    settle();
+    EXPECT_TRUE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+}
+
+TEST(SessionPipelineTest, aStartDuringAHangingSignInDoesNotWaitForIt) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    session.setServerURL(u"wss://coach.test/ws"_s);
+    fixture.auth->loginGate.close();
+    session.startSession();
+    settle();
+    session.setServerURL(u"ws://localhost:3001/ws"_s);
+    session.startSession();
+    settle();
+    EXPECT_TRUE(session.isSessionActive());
 }
 
 TEST(SessionPipelineTest, stoppingClearsTheStateAtOnceAndClosesAfterwards) {
