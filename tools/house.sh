@@ -183,12 +183,18 @@ build() {
 
 # Where ninja can't overwrite its line: one line for each tenth of the work, and whatever is no progress.
 everyTenth() {
-    awk '/^\[ *[0-9]+% / {
-            percent = substr($0, 2) + 0
-            if (percent >= next10) { print; fflush(); next10 = percent - percent % 10 + 10 }
-            next
-        }
-        !/^ninja: Entering directory/ {print; fflush()}'
+    local line percent next=0
+    # awk would hold lines back until it has many.
+    while IFS= read -r line; do
+        if [[ $line =~ ^\[\ *([0-9]+)%\  ]]; then
+            percent=${BASH_REMATCH[1]}
+            ((percent >= next)) || continue
+            next=$((percent - percent % 10 + 10))
+        elif [[ $line == 'ninja: Entering directory'* || $line == 'ninja: no work to do.' ]]; then
+            continue
+        fi
+        printf '%s\n' "$line"
+    done
 }
 
 # testNames PRESET [CTEST SELECTION...]: whether or not they are built yet.

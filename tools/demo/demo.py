@@ -16,6 +16,7 @@ import sqlite3
 import subprocess
 import sys
 import time
+import urllib.request
 from pathlib import Path
 
 import judgement
@@ -138,6 +139,8 @@ class Demo:
         wait_for_quietly(10, lambda: (self.program.counters_or_none() or {}).get("records_stored", 0) >= 1)
         self.take_screenshot("7-ended")
         self.counters = self.program.counters()
+        with urllib.request.urlopen("http://127.0.0.1:3001/sandbox/audio", timeout=10) as answer:
+            self.provider = json.load(answer)
 
     def follow_call(self, began):
         """Tells what is said while it plays, takes the screenshots, and looks at the memory."""
@@ -197,6 +200,9 @@ class Demo:
         report["cpu_percent_of_core"] = round(self.cpu_percent, 2)
         report["pss_mb"] = round(max(self.pss), 1)
         report["pss_idle_mb"] = round(self.pss_idle, 1)
+        # What the sandbox found wrong with the program's own frames.
+        refused = (self.output / "sandbox.log").read_text(errors="replace").count("refused a message")
+        report["frames_refused"] = refused + sum(connection["faults"] for connection in self.provider)
         report["screenshots"] = self.screenshots
         report["failures"] = failures
         (self.output / "report.json").write_text(json.dumps(report, indent=2, ensure_ascii=False) + "\n")

@@ -169,6 +169,8 @@ def summary(report):
         ("Cost", f"{report['cpu_percent_of_core']} % of a core, {report['pss_mb']} MB"),
     ]
     text = "\n".join(f"{name + ':':<12}{value}" for name, value in rows)
+    if report.get("frames_refused"):
+        text += f"\n\nThe sandbox refused {report['frames_refused']} frames: see sandbox.log."
     if report["failures"]:
         return text + "\n\nFAILED\n" + "\n".join(f"  {failure}" for failure in report["failures"])
     return text + "\n\nPASSED: every line arrived on its side, in order and whole."
