@@ -1,46 +1,13 @@
-#include <QFile>
 #include <QTemporaryDir>
 
-#include "GeneratedAudio.h"
-#include "Sandbox/Recogniser.h"
+#include "ProviderFixture.h"
 #include "Sandbox/WavFile.h"
-#include "SandboxFixture.h"
 
 namespace corvellan::test {
 
 namespace {
 
-constexpr const char* update = R"({"type":"transcription_session.update","session":{"input_audio_format":"pcm16",
-    "input_audio_transcription":{"model":"gpt-4o-transcribe","language":"en"},
-    "turn_detection":{"type":"server_vad","threshold":0.6,"silence_duration_ms":2000}}})";
-
-const QString completed = u"conversation.item.input_audio_transcription.completed"_s;
-const QString delta = u"conversation.item.input_audio_transcription.delta"_s;
-
-class ProviderConnectionTest : public SandboxFixture {
-protected:
-    /// Starts a session and connects one side of it.
-    std::unique_ptr<WireClient> side(const QString& suffix = {}) {
-        coach = std::make_unique<WireClient>(coachUrl());
-        coach->send(R"({"type":"start_session"})");
-        started = coach->next();
-        return connectSide(suffix);
-    }
-    std::unique_ptr<WireClient> connectSide(const QString& suffix) {
-        return std::make_unique<WireClient>(QUrl{started[u"openai_realtime_url"_s + suffix].toString()},
-                                            started[u"openai_ephemeral_token"_s + suffix].toString());
-    }
-    /// Sends audio as clients do, in batches of 100 ms.
-    static void speak(WireClient& client, const GeneratedAudio& audio) {
-        constexpr qsizetype batchBytes = 4800;
-        const QByteArray pcm = audio.pcm();
-        for (qsizetype at = 0; at < pcm.size(); at += batchBytes)
-            client.send(appendFrame(pcm.mid(at, batchBytes)));
-    }
-
-    std::unique_ptr<WireClient> coach;
-    QJsonObject started;
-};
+class ProviderConnectionTest : public ProviderFixture {};
 
 }  // namespace
 
@@ -119,45 +86,6 @@ TEST_F(ProviderConnectionTest, keepsALineBackThatDoesNotFit) {
     EXPECT_EQ(done[u"transcript"_s], u"Good morning."_s);
     EXPECT_EQ(done[u"item_id"_s], u"item_0002"_s);
     EXPECT_TRUE(logs(u"fits no line of the script: line 1 has 2.0 s"_s));
-}
-
-TEST_F(ProviderConnectionTest, asksARecogniserForWhatWasSaid) {
-    sandbox::SandboxOptions options;
-    options.texts = sandbox::commandTexts(
-        {.command = u"test -s {wav} && head -c 4 {wav} && echo ' of $((40 + 2))' \"$((40 + 2))\""_s});
-    start(std::move(options));
-    const auto client = side();
-    client->send(update);
-    speak(*client, GeneratedAudio{}.tone(1).silence(2.1));
-    EXPECT_EQ(client->next(completed)[u"transcript"_s], u"RIFF of $((40 + 2)) 42"_s);
-}
-
-TEST_F(ProviderConnectionTest, reportsARecogniserThatFails) {
-    sandbox::SandboxOptions options;
-    options.texts = sandbox::commandTexts({.command = u"echo no model in {wav} | cut -c 1-8 >&2; exit 3"_s});
-    start(std::move(options));
-    const auto client = side();
-    client->send(update);
-    speak(*client, GeneratedAudio{}.tone(1).silence(2.1));
-    const auto error = client->next(u"error"_s)[u"error"_s].toObject();
-    EXPECT_EQ(error[u"message"_s], u"Recogniser: status 3: no model"_s);
-}
-
-TEST_F(ProviderConnectionTest, endsARecogniserThatTakesTooLongAndAsksItAgainForTheNextUtterance) {
-    QTemporaryDir folder;
-    const QString marker = folder.filePath(u"second"_s);
-    sandbox::SandboxOptions options;
-    options.texts = sandbox::commandTexts(
-        {.command = u"test -e %1 && echo {wav} | grep -c wav || { touch %1; sleep 1000; }"_s.arg(marker),
-         .limit = std::chrono::milliseconds{300}});
-    start(std::move(options));
-    const auto client = side();
-    client->send(update);
-    speak(*client, GeneratedAudio{}.tone(1).silence(2.1).tone(1).silence(2.1));
-    EXPECT_EQ(client->next(u"error"_s)[u"error"_s].toObject()[u"message"_s], u"Recogniser: took longer than 0.3 s"_s);
-    const auto done = client->next(completed);
-    EXPECT_EQ(done[u"transcript"_s], u"1"_s);
-    EXPECT_EQ(done[u"item_id"_s], u"item_0002"_s);
 }
 
 TEST_F(ProviderConnectionTest, keepsTheAudioOfEachSideAndCountsIt) {

@@ -2,13 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
+#include <QHostAddress>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QRegularExpression>
+#include <QTcpSocket>
 #include <QUrl>
 #include <QWebSocket>
 
@@ -96,14 +98,28 @@ protected:
         return QUrl{u"ws://%1:%2/ws"_s.arg(host).arg(box->coachPort())};
     }
 
-    /// The body of a REST answer.
+    /// The body of a REST answer. Over a bare socket, since Qt's own HTTP client brings threads along.
     [[nodiscard]] QJsonDocument get(const QString& path, int expectedStatus = 200) {
-        QNetworkAccessManager network;
-        const std::unique_ptr<QNetworkReply> reply{
-            network.get(QNetworkRequest{QUrl{u"http://127.0.0.1:%1%2"_s.arg(box->coachPort()).arg(path)}})};
-        EXPECT_TRUE(spinUntil([&] { return reply->isFinished(); }));
-        EXPECT_EQ(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), expectedStatus);
-        return QJsonDocument::fromJson(reply->readAll());
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress{u"127.0.0.1"_s}, box->coachPort());
+        socket.write("GET " + path.toLatin1() + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+        QByteArray answer;
+        qsizetype bodyAt = -1;
+        EXPECT_TRUE(spinUntil([&] {
+            answer += socket.readAll();
+            const qsizetype headEnd = answer.indexOf("\r\n\r\n");
+            if (headEnd < 0)
+                return false;
+            bodyAt = headEnd + 4;
+            static const QRegularExpression length{u"content-length: *(\\d+)"_s,
+                                                   QRegularExpression::CaseInsensitiveOption};
+            const auto match = length.match(QString::fromLatin1(answer.first(headEnd)));
+            return answer.size() - bodyAt >= match.captured(1).toLongLong();
+        }));
+        if (bodyAt < 0)
+            return {};
+        EXPECT_EQ(answer.split(' ').value(1).toInt(), expectedStatus);
+        return QJsonDocument::fromJson(answer.sliced(bodyAt));
     }
 
     [[nodiscard]] bool logs(const QString& text) const {
