@@ -119,6 +119,8 @@ void SessionViewModel::handle(const SummaryPayload& summary) {
     m_logger.info(u"Session summary received"_s);
     // The pipeline stays up: it ends when the server closes, or with the next start.
     setIsSessionActive(false);
+    // Armed for this session: a next one that starts within its 3 seconds is none of its business.
+    m_endSessionTimeoutTask.clear();
     setStatusText(u"Session ended"_s);
     if (summary.durationSecs < shortestKeptSessionSecs) {
         setLastSummary(std::nullopt);

@@ -535,6 +535,20 @@ TEST(SessionPipelineTest, theNextStartClosesThePipelineOfTheLastAndItsLateExitLa
     EXPECT_TRUE(fixture.audio->isRunning());
 }
 
+TEST(SessionPipelineTest, theTimeOutOfAnEndedSessionNeverStopsTheNext) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    fixture.goLive();
+    session.endSession();
+    settleAfter(fixture.clock, 1s);
+    fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
+    settle();
+    fixture.goLive();
+    settleAfter(fixture.clock, 10s);
+    EXPECT_TRUE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+}
+
 TEST(SessionPipelineTest, aStartRightAfterAStopWaitsForTheClosing) {
     SessionFixture fixture;
     auto& session = fixture.session();
