@@ -9,6 +9,7 @@ play.sh, which brings them up.
 import argparse
 import json
 import os
+import re
 import shutil
 import signal
 import socket
@@ -174,6 +175,11 @@ class Demo:
         path = self.home / "corvellan-debug.log"
         return path.read_text(errors="replace") if path.exists() else ""
 
+    def session_id(self):
+        """Of the call just held. Other programs of this machine may have found the sandbox too."""
+        found = re.search(r"SessionStarted id=(\S+)", self.debug_log())
+        return found[1] if found else "no-session"
+
     def take_screenshot(self, name):
         path = self.output / f"{name}.png"
         if self.program.screenshot(path, self.options.own_display):
@@ -193,7 +199,7 @@ class Demo:
             lines=self.lines,
             record=self.newest_record(),
             counters=self.counters,
-            received=self.received,
+            received=self.received / self.session_id(),
             shown=self.shown,
         )
         report, failures = judgement.judge(evidence)
@@ -202,7 +208,8 @@ class Demo:
         report["pss_idle_mb"] = round(self.pss_idle, 1)
         # What the sandbox found wrong with the program's own frames.
         refused = (self.output / "sandbox.log").read_text(errors="replace").count("refused a message")
-        report["frames_refused"] = refused + sum(connection["faults"] for connection in self.provider)
+        own = [connection for connection in self.provider if connection["session_id"] == self.session_id()]
+        report["frames_refused"] = refused + sum(connection["faults"] for connection in own)
         report["screenshots"] = self.screenshots
         report["failures"] = failures
         (self.output / "report.json").write_text(json.dumps(report, indent=2, ensure_ascii=False) + "\n")

@@ -131,8 +131,8 @@ def judge_bytes(evidence, report, failures):
 
 
 def received_file(folder, side):
-    found = sorted(folder.rglob(f"{side}.wav"))
-    return found[0] if found else None
+    path = folder / f"{side}.wav"
+    return path if path.exists() else None
 
 
 def received_bytes(folder, side):
