@@ -4,6 +4,7 @@
 
 #include "Base/Text.h"
 #include "Phrases.h"
+#include "UtteranceTexts.h"
 
 namespace corvellan::sandbox {
 
@@ -30,6 +31,14 @@ Coach::Coach(const StartSessionPayload& start) {
 }
 
 std::optional<CoachingPayload> Coach::hear(AudioSourceTag side, const QString& text) {
+    const auto seconds = side == AudioSourceTag::mic ? secondsWithoutWords(text) : std::nullopt;
+    if (seconds) {
+        // There is nothing to judge, but whoever tries the program out sees that it hears him.
+        ++m_turns;
+        return CoachingPayload{.message = u"Heard you for %1 seconds."_s.arg(*seconds),
+                               .coachingType = CoachingType::listen,
+                               .state = state()};
+    }
     const auto said = sentences(text);
     if (said.empty())
         return std::nullopt;

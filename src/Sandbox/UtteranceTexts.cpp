@@ -11,10 +11,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// What stands round the seconds of an utterance whose words nobody knows.
+constexpr QStringView beforeSeconds = u"(";
+constexpr QStringView behindSeconds = u" s of speech)";
+
 class LengthTexts final : public UtteranceTexts {
 public:
     void finished(const Utterance& utterance, Answer answer) override {
-        answer({.text = u"(%1 s of speech)"_s.arg(text::fixed(utterance.seconds(), 1)), .failure = {}, .note = {}});
+        answer({.text = beforeSeconds.toString() + text::fixed(utterance.seconds(), 1) + behindSeconds.toString(),
+                .failure = {},
+                .note = {}});
     }
 };
 
@@ -57,6 +63,16 @@ private:
 };
 
 }  // namespace
+
+std::optional<QString> secondsWithoutWords(const QString& line) {
+    if (!line.startsWith(beforeSeconds) || !line.endsWith(behindSeconds))
+        return std::nullopt;
+    const auto seconds = QStringView{line}.chopped(behindSeconds.size()).sliced(beforeSeconds.size());
+    const bool isNumber = !seconds.isEmpty() && std::ranges::all_of(seconds, [](QChar character) {
+        return (character >= u'0' && character <= u'9') || character == u'.';
+    });
+    return isNumber ? std::optional{seconds.toString()} : std::nullopt;
+}
 
 UtteranceTextsMaker lengthTexts() {
     return [](AudioSourceTag) { return std::make_unique<LengthTexts>(); };

@@ -39,6 +39,9 @@ using UtteranceTextsMaker = std::function<std::unique_ptr<UtteranceTexts>(AudioS
 /// "(3.2 s of speech)", for when there is neither script nor recogniser.
 [[nodiscard]] UtteranceTextsMaker lengthTexts();
 
+/// The seconds in a line of `lengthTexts`, as they stand there; empty for any other line.
+[[nodiscard]] std::optional<QString> secondsWithoutWords(const QString& line);
+
 /// The lines of a script, from its top in each connection. An utterance that does not fit the line
 /// whose turn it is, but one of the next few, skips to that; one that fits none says nothing.
 [[nodiscard]] UtteranceTextsMaker scriptTexts(CallScript script);

@@ -435,4 +435,12 @@ TEST(DiscoveryCallTest, bringsEveryKindOfTipAndWinsEverything) {
     EXPECT_EQ(coach.turns(), 22);
 }
 
+TEST_F(CoachTest, tellsASalespersonWithoutWordsThatHeWasHeard) {
+    const auto tip = coach.hear(AudioSourceTag::mic, u"(3.2 s of speech)"_s);
+    ASSERT_TRUE(tip);
+    EXPECT_EQ(tip->message, u"Heard you for 3.2 seconds."_s);
+    EXPECT_EQ(tip->coachingType, CoachingType::listen);
+    EXPECT_EQ(tip->state.meddic, MeddicScore{});
+}
+
 }  // namespace corvellan::test
