@@ -23,6 +23,11 @@ QString IdleView::statusText() const {
     return m_session.statusText();
 }
 
+bool IdleView::canStart() const {
+    const QString status = statusText();
+    return status != u"Connecting..."_s && status != u"Connected"_s && status != u"Waiting for session..."_s;
+}
+
 QString IdleView::errorMessage() const {
     return m_session.errorMessage().value_or(QString{});
 }
@@ -37,7 +42,9 @@ QString IdleView::serverText() const {
 }
 
 void IdleView::startCoaching() {
-    m_session.startSession();
+    // A second start takes the first one's place, and the first one's closing would end the call of both.
+    if (canStart())
+        m_session.startSession();
 }
 
 QString IdleView::lastCall(const SummaryPayload& summary) {

@@ -18,6 +18,7 @@ class IdleView : public QObject {
 
     Q_PROPERTY(QString productName READ productName CONSTANT)
     Q_PROPERTY(QString statusText READ statusText NOTIFY statusTextChanged)
+    Q_PROPERTY(bool canStart READ canStart NOTIFY statusTextChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     /// Empty while no call has ended.
     Q_PROPERTY(QString lastCallText READ lastCallText NOTIFY lastCallTextChanged)
@@ -28,10 +29,14 @@ public:
 
     [[nodiscard]] static QString productName();
     [[nodiscard]] QString statusText() const;
+    /// No start is on its way to the server. One that still signs in may be replaced: the user may have
+    /// lost the browser's page.
+    [[nodiscard]] bool canStart() const;
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString lastCallText() const;
     [[nodiscard]] QString serverText() const;
 
+    /// Nothing happens while it can't start: a screen reader presses disabled buttons too.
     Q_INVOKABLE void startCoaching();
 
     /// "Last call: 2m 3s, 4/6". Minutes never roll into hours.

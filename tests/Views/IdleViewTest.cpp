@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QSignalSpy>
+
 #include "Support/SessionFixture.h"
 
 namespace corvellan::test {
@@ -44,6 +46,63 @@ TEST(IdleViewTest, startCoachingStartsASessionWithDefaults) {
 
     EXPECT_TRUE(fixture.session().isSessionActive());
     EXPECT_FALSE(fixture.session().currentCompany());
+}
+
+TEST(IdleViewTest, aStartOnItsWayToTheServerIsNotStartedAgain) {
+    SessionFixture fixture;
+    IdleView view{fixture.session()};
+    QSignalSpy changes{&view, &IdleView::statusTextChanged};
+    fixture.ws->connectGate.close();
+
+    view.startCoaching();
+    settle();
+    EXPECT_EQ(view.statusText(), u"Connecting..."_s);
+    EXPECT_FALSE(view.canStart());
+    EXPECT_GT(changes.count(), 0);
+    view.startCoaching();
+    settle();
+
+    EXPECT_EQ(fixture.ws->urls.size(), 1U);
+}
+
+TEST(IdleViewTest, onlyTheWayFromConnectingToTheSessionForbidsAStart) {
+    SessionFixture fixture;
+    IdleView view{fixture.session()};
+    for (const auto& status : {u"Connecting..."_s, u"Connected"_s, u"Waiting for session..."_s}) {
+        fixture.session().setStatusText(status);
+        EXPECT_FALSE(view.canStart()) << qPrintable(status);
+    }
+    for (const auto& status : {u"Ready"_s, u"Authenticating..."_s, u"Re-authenticating..."_s, u"Session ended"_s}) {
+        fixture.session().setStatusText(status);
+        EXPECT_TRUE(view.canStart()) << qPrintable(status);
+    }
+}
+
+TEST(IdleViewTest, aSignInThatHangsMayBeStartedAnew) {
+    SessionFixture fixture;
+    fixture.session().setServerURL(u"wss://coach.test/ws"_s);
+    fixture.auth->loginGate.close();
+    IdleView view{fixture.session()};
+
+    view.startCoaching();
+    settle();
+    EXPECT_EQ(view.statusText(), u"Authenticating..."_s);
+    view.startCoaching();
+    settle();
+
+    EXPECT_EQ(std::ranges::count(fixture.log, "auth.login"), 2);
+}
+
+TEST(IdleViewTest, aStartThatFailedMayBeRepeated) {
+    SessionFixture fixture;
+    fixture.ws->connectError = TransportError{u"Connection refused"_s};
+    IdleView view{fixture.session()};
+
+    view.startCoaching();
+    settle();
+
+    EXPECT_EQ(view.errorMessage(), u"Connection refused"_s);
+    EXPECT_TRUE(view.canStart());
 }
 
 }  // namespace

@@ -50,6 +50,10 @@ void ScreenDriver::startCall(const QString& company) {
     settle();
 }
 
+void ScreenDriver::holdConnecting() {
+    m_world->fixture.ws->connectGate.close();
+}
+
 void ScreenDriver::goLive() {
     m_world->fixture.goLive();
 }
@@ -110,6 +114,11 @@ void ScreenDriver::setProductHint(const QString& text) {
 bool ScreenDriver::isSessionActive() {
     settle();
     return session().isSessionActive();
+}
+
+int ScreenDriver::connectionsAsked() const {
+    settle();
+    return static_cast<int>(m_world->fixture.ws->urls.size());
 }
 
 int ScreenDriver::handoffsShown() const {

@@ -33,6 +33,8 @@ public:
     /// Forgets everything; call before the screens of a test are made.
     Q_INVOKABLE void reset();
     Q_INVOKABLE void startCall(const QString& company);
+    /// From now on a start gets no further than connecting.
+    Q_INVOKABLE void holdConnecting();
     Q_INVOKABLE void goLive();
     Q_INVOKABLE void stopCall();
     /// The words are those of the protocol's tables; an empty kind or urgency means none.
@@ -49,6 +51,7 @@ public:
     Q_INVOKABLE void setProductHint(const QString& text);
 
     Q_INVOKABLE [[nodiscard]] bool isSessionActive();
+    Q_INVOKABLE [[nodiscard]] int connectionsAsked() const;
     Q_INVOKABLE [[nodiscard]] int handoffsShown() const;
     Q_INVOKABLE [[nodiscard]] bool wasSessionEnded() const;
     /// The accessibility interface's own view of `item`: presses it as a screen reader does.

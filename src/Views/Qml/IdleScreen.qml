@@ -109,6 +109,7 @@ FocusScope {
             text: qsTr("Start Coaching")
             symbol: "waveform"
             focus: true
+            enabled: root.idle.canStart
             onClicked: root.idle.startCoaching()
         }
         ReadOut {

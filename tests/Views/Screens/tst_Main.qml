@@ -77,6 +77,32 @@ TestCase {
         verify(driver.isSessionActive());
     }
 
+    function test_startCoachingIsDisabledWhileAStartIsOnItsWay() {
+        driver.holdConnecting();
+        const screen = make();
+        const button = findChild(screen, "startCoaching");
+        verify(button.enabled);
+        button.forceActiveFocus(Qt.TabFocusReason);
+
+        keyClick(Qt.Key_Space);
+        compare(driver.connectionsAsked(), 1);
+        verify(!button.enabled);
+        keyClick(Qt.Key_Space);
+        mouseClick(button);
+        driver.pressThroughAccessibility(button);
+        compare(driver.connectionsAsked(), 1, "no second attempt");
+
+        driver.setStatus("Ready");
+        verify(button.enabled);
+        verify(button.activeFocus, "the keyboard is back where it was");
+    }
+
+    function test_startCoachingStaysEnabledWhileSigningIn() {
+        const screen = make();
+        driver.setStatus("Authenticating...");
+        verify(findChild(screen, "startCoaching").enabled);
+    }
+
     function test_anErrorIsReadableAndLeavesTheButtonInPlace_data() {
         return [{ tag: "standard size", width: 680, height: 520 }, { tag: "smallest size", width: 520, height: 400 }];
     }
