@@ -35,6 +35,12 @@ private:
     std::atomic<bool> m_woken = false;
 };
 
+/// What a stop request calls: the coroutine goes on by itself, never inside the request.
+struct WakeOnStop {
+    std::shared_ptr<WakeOnce> wake;
+    void operator()() const { wake->wake(); }
+};
+
 class SleepAwaiter {
 public:
     SleepAwaiter(Clock& clock, MonotonicTime deadline, std::stop_token stop)
@@ -50,7 +56,7 @@ public:
         Q_ASSERT(Executor::current());
         m_wake = std::make_shared<WakeOnce>(*Executor::current(), handle);
         m_timer = m_clock.callAt(m_deadline, [wake = m_wake] { wake->wake(); });
-        m_onStop.emplace(m_stop, Wake{m_wake});
+        m_onStop.emplace(m_stop, WakeOnStop{m_wake});
     }
 
     SleepEnd await_resume() {
@@ -61,17 +67,49 @@ public:
     }
 
 private:
-    struct Wake {
-        std::shared_ptr<WakeOnce> wake;
-        void operator()() const { wake->wake(); }
-    };
-
     Clock& m_clock;
     MonotonicTime m_deadline;
     std::stop_token m_stop;
     std::shared_ptr<WakeOnce> m_wake;
     std::optional<Clock::TimerId> m_timer;
-    std::optional<std::stop_callback<Wake>> m_onStop;
+    std::optional<std::stop_callback<WakeOnStop>> m_onStop;
+};
+
+/// Whether some work has ended, and who waits for that. One executor's own.
+struct WorkEnd {
+    bool hasEnded = false;
+    std::shared_ptr<WakeOnce> waiter;
+};
+
+inline QCoro::Task<void> watchEnd(QCoro::Task<void> work, std::shared_ptr<WorkEnd> end) {
+    co_await work;
+    end->hasEnded = true;
+    if (end->waiter)
+        end->waiter->wake();
+}
+
+class EndOrStopAwaiter {
+public:
+    EndOrStopAwaiter(std::shared_ptr<WorkEnd> end, std::stop_token stop)
+        : m_end(std::move(end)),
+          m_stop(std::move(stop)) {}
+    EndOrStopAwaiter(const EndOrStopAwaiter&) = delete;
+    EndOrStopAwaiter& operator=(const EndOrStopAwaiter&) = delete;
+
+    [[nodiscard]] bool await_ready() const { return m_end->hasEnded || m_stop.stop_requested(); }
+
+    void await_suspend(std::coroutine_handle<> handle) {
+        Q_ASSERT(Executor::current());
+        m_end->waiter = std::make_shared<WakeOnce>(*Executor::current(), handle);
+        m_onStop.emplace(m_stop, WakeOnStop{m_end->waiter});
+    }
+
+    void await_resume() { m_onStop.reset(); }
+
+private:
+    std::shared_ptr<WorkEnd> m_end;
+    std::stop_token m_stop;
+    std::optional<std::stop_callback<WakeOnStop>> m_onStop;
 };
 
 }  // namespace detail
@@ -80,6 +118,15 @@ private:
 /// whether `stop` cut it short. A stop that was requested before returns at once.
 inline auto sleep(Clock& clock, std::chrono::nanoseconds duration, std::stop_token stop = {}) {
     return detail::SleepAwaiter{clock, clock.now() + duration, std::move(stop)};
+}
+
+/// Waits for the end of `work`, though not beyond a requested `stop`: the work then goes on by itself
+/// to its own end, and must need nothing that goes with the caller.
+inline QCoro::Task<void> untilStopped(QCoro::Task<void> work, std::stop_token stop) {
+    const auto end = std::make_shared<detail::WorkEnd>();
+    detail::watchEnd(std::move(work), end);
+    detail::EndOrStopAwaiter endOrStop{end, std::move(stop)};
+    co_await endOrStop;
 }
 
 /// The handle of one piece of cancellable work. Cancelling only asks: the work notices at its next

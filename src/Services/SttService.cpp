@@ -3,6 +3,8 @@
 #include <QUrl>
 #include <utility>
 
+#include "Alarm.h"
+#include "Base/Tasks.h"
 #include "Base/Text.h"
 #include "ClientSocket.h"
 #include "SttWire.h"
@@ -16,6 +18,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto batchInterval = 100ms;
+// A connection that stands still must not hold up the end of a call: its next one waits for that.
+constexpr auto lastBatchPatience = 1s;
 constexpr qsizetype loggedTranscriptCharacters = 100;
 constexpr qsizetype loggedFrameCharacters = 500;
 
@@ -134,7 +138,11 @@ QCoro::Task<void> SttService::sendPendingAudio(MonotonicTime deliveredAt) {
 QCoro::Task<void> SttService::disconnectInternal() {
     if (!m_pendingAudio.isEmpty() && m_task) {
         const std::weak_ptr life{m_life};
-        co_await sendPendingAudio({});
+        std::stop_source giveUp;
+        Alarm patience{m_executor, m_clock};
+        patience.set(lastBatchPatience, [giveUp]() mutable { giveUp.request_stop(); });
+        auto sending = sendPendingAudio({});
+        co_await untilStopped(std::move(sending), giveUp.get_token());
         if (life.expired())
             co_return;
     }

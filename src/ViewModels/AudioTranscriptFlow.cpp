@@ -56,7 +56,9 @@ QCoro::Task<void> SessionViewModel::pumpMicrophone(AsyncStream<AudioChunk> strea
         if (isMuted) {
             m_environment.diagnostics.mic.bytesMuted += static_cast<std::uint64_t>(chunk.pcm.size());
         } else {
-            co_await m_stt->sendAudio(std::move(chunk));
+            // A connection that stands still must not keep the microphone open after the session's end.
+            auto sending = m_stt->sendAudio(std::move(chunk));
+            co_await untilStopped(std::move(sending), stop);
             ++counter;
             if (counter == 1 || counter % chunksPerLogLine == 0)
                 main.post([this, counter] { debugLog(u"AUDIO: chunk #"_s + QString::number(counter)); });
@@ -74,7 +76,8 @@ QCoro::Task<void> SessionViewModel::pumpSystemAudio(AsyncStream<AudioChunk> stre
         if (hasEnded<AudioChunk>(next))
             co_return;
         auto chunk = std::move(**next);
-        co_await m_systemStt->sendAudio(std::move(chunk));
+        auto sending = m_systemStt->sendAudio(std::move(chunk));
+        co_await untilStopped(std::move(sending), stop);
         const float level = co_await m_systemAudio->audioLevel();
         m_environment.main.post([this, level] { setSystemAudioLevel(level); });
     }

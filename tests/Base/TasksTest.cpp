@@ -57,6 +57,45 @@ TEST(TasksTest, cancellingInterruptsASleep) {
     EXPECT_FALSE(clock.nextDeadline().has_value());
 }
 
+TEST(TasksTest, untilStoppedWaitsForTheEndOfTheWork) {
+    ManualClock clock;
+    std::stop_source stop;
+    auto work = [](ManualClock& time) -> QCoro::Task<void> { co_await sleep(time, 1s); }(clock);
+    auto waiting = untilStopped(std::move(work), stop.get_token());
+    settleAfter(clock, 999ms);
+    EXPECT_FALSE(waiting.isReady());
+    settleAfter(clock, 1ms);
+    EXPECT_TRUE(waiting.isReady());
+    // The stop that comes later finds nobody.
+    stop.request_stop();
+    settle();
+}
+
+TEST(TasksTest, untilStoppedTakesWorkThatHasEndedAlready) {
+    auto work = []() -> QCoro::Task<void> { co_return; }();
+    EXPECT_TRUE(untilStopped(std::move(work), {}).isReady());
+}
+
+TEST(TasksTest, untilStoppedLeavesWorkThatHangsToItself) {
+    ManualClock clock;
+    std::stop_source stop;
+    bool hasWorkEnded = false;
+    auto work = [](ManualClock& time, bool& hasEnded) -> QCoro::Task<void> {
+        co_await sleep(time, 1h);
+        hasEnded = true;
+    }(clock, hasWorkEnded);
+    auto waiting = untilStopped(std::move(work), stop.get_token());
+    settle();
+    EXPECT_FALSE(waiting.isReady());
+    stop.request_stop();
+    EXPECT_FALSE(waiting.isReady()) << "nothing goes on inside the request";
+    settle();
+    EXPECT_TRUE(waiting.isReady());
+    EXPECT_FALSE(hasWorkEnded);
+    settleAfter(clock, 1h);
+    EXPECT_TRUE(hasWorkEnded);
+}
+
 TEST(TasksTest, aSlotCancelsTheOldTaskWhenItTakesANewOne) {
     ManualClock clock;
     std::vector<std::string> events;

@@ -151,6 +151,32 @@ TEST_P(SttServiceTest, disconnectSendsPendingAudioAndThenClosesWith1000) {
     EXPECT_EQ(log.infos().last(), u"STT disconnected"_s);
 }
 
+TEST_P(SttServiceTest, aLastBatchThatCantLeaveHoldsTheDisconnectUpForASecond) {
+    RawServer raw;
+    ASSERT_TRUE(raw.listen());
+    complete(stt->connect(u"t"_s, raw.url().toString()));
+    clock.advance(1s);
+    raw.stopReading();
+    // More than the system's buffers take.
+    auto sending = stt->sendAudio({.pcm = QByteArray(24 * 1024 * 1024, '\1')});
+    send(audio(10ms));
+    const auto reader = listen();
+
+    auto disconnecting = stt->disconnect();
+    drain();
+    clock.advance(999ms);
+    drain();
+    EXPECT_FALSE(disconnecting.isReady());
+    clock.advance(1ms);
+    complete(std::move(disconnecting));
+
+    EXPECT_TRUE(reader->waitForEnd());
+    EXPECT_EQ(log.infos().last(), u"STT disconnected"_s);
+    complete(std::move(sending));
+    EXPECT_EQ(side.framesSent, 0U);
+    EXPECT_EQ(side.bytesLost, 24U * 1024 * 1024 + 480);
+}
+
 TEST_P(SttServiceTest, disconnectWithNothingPendingOnlyCloses) {
     connect();
     complete(stt->disconnect());

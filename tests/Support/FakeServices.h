@@ -192,7 +192,7 @@ public:
     }
     QCoro::Task<void> sendAudio(AudioChunk chunk) override {
         received.push_back(std::move(chunk.pcm));
-        co_return;
+        co_await sendGate.pass();
     }
     AsyncStream<SttEvent> events() override {
         auto [stream, producer] = AsyncStream<SttEvent>::make();
@@ -216,6 +216,7 @@ public:
     std::optional<QString> url;
     std::vector<QByteArray> received;
     Gate connectGate;
+    Gate sendGate;
 
 private:
     CallLog& m_log;

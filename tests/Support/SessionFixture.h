@@ -27,7 +27,9 @@ public:
         m_viewModel->stopSession();
         ws->connectGate.open();
         stt->connectGate.open();
+        stt->sendGate.open();
         factory.systemStt.connectGate.open();
+        factory.systemStt.sendGate.open();
         auth->loginGate.open();
         settleAfter(clock, std::chrono::minutes{1});
         // What was held at a gate has gone on and may have armed timers of its own.

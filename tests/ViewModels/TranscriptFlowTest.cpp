@@ -189,6 +189,25 @@ TEST(TranscriptFlowTest, cancellingWritesTheEndOfStreamLines) {
     EXPECT_TRUE(fixture.debugLines().contains(u"STT_EVENTS: stream ended after 1 events"_s));
 }
 
+TEST(TranscriptFlowTest, aSendThatStandsStillKeepsNoEndedSessionOpen) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.stt->sendGate.close();
+    fixture.factory.systemStt.sendGate.close();
+    fixture.audio->deliver("m1");
+    fixture.audio->deliver("m2");
+    fixture.factory.systemAudio.deliver("s1");
+    settle();
+    EXPECT_EQ(fixture.stt->received.size(), 1U) << "the second waits for the first";
+
+    fixture.session().stopSession();
+    settle();
+    EXPECT_FALSE(fixture.audio->isRunning());
+    EXPECT_TRUE(fixture.did("ws.disconnect"));
+    EXPECT_TRUE(fixture.session().isQuiet());
+    EXPECT_TRUE(fixture.debugLines().contains(u"AUDIO_SEND: stream ended after 1 chunks"_s));
+}
+
 TEST(TranscriptFlowTest, aLostCoachSocketIsReportedOnceAndTheMicrophoneGoesOn) {
     SessionFixture fixture;
     fixture.goLive();

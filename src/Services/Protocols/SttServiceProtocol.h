@@ -51,7 +51,8 @@ public:
     /// A new stream of events; an older one receives nothing further and is not ended.
     [[nodiscard]] virtual AsyncStream<SttEvent> events() = 0;
 
-    /// Sends what is pending, closes with 1000, ends the event stream. Harmless when idle.
+    /// Sends what is pending, closes with 1000, ends the event stream. Harmless when idle. What is
+    /// pending has a second to leave.
     virtual QCoro::Task<void> disconnect() = 0;
 };
 
