@@ -343,8 +343,8 @@ privatePulseAudio() {
 }
 
 privatePipeWire() {
-    local runtime=(env HOME="$housePrivate/home" XDG_RUNTIME_DIR="$housePrivate/run" PIPEWIRE_RUNTIME_DIR="$housePrivate/run"
-        -u XDG_CONFIG_HOME -u DISPLAY -u WAYLAND_DISPLAY)
+    local runtime=(env -u XDG_CONFIG_HOME -u DISPLAY -u WAYLAND_DISPLAY
+        HOME="$housePrivate/home" XDG_RUNTIME_DIR="$housePrivate/run" PIPEWIRE_RUNTIME_DIR="$housePrivate/run")
     startChild pipewire "$housePrivate/pipewire.log" "${runtime[@]}" pipewire
     waitUntil 10 test -S "$housePrivate/run/pipewire-0" || die "PipeWire did not start: $(cat "$housePrivate/pipewire.log")"
     startChild wireplumber "$housePrivate/wireplumber.log" "${runtime[@]}" wireplumber
