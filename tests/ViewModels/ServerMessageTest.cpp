@@ -2,6 +2,7 @@
 
 #include <QSignalSpy>
 
+#include "Support/LogCapture.h"
 #include "Support/SessionFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -172,8 +173,11 @@ TEST(ServerMessageTest, aSummaryOfNineSecondsLeavesNothingBehind) {
     auto& session = fixture.session();
     session.setModelContext(&store);
     session.setIsSessionActive(true);
+    session.setLastSummary(SummaryPayload{.durationSecs = 60});
+    const LogCapture log{u"Session"_s};
     handle(fixture, SummaryPayload{.durationSecs = 9});
     settle();
+    EXPECT_EQ(log.infos(), QStringList{u"Session summary received"_s});
     EXPECT_FALSE(session.isSessionActive());
     EXPECT_EQ(session.statusText(), u"Session ended"_s);
     EXPECT_EQ(session.lastSummary(), std::nullopt);
@@ -291,6 +295,15 @@ TEST(ServerMessageTest, theBuyersReplyGrowsAndBecomesALine) {
     EXPECT_EQ(fixture.session().transcriptLines().lines().back().source, TranscriptSource::system);
     EXPECT_EQ(fixture.log, (CallLog{"tts.flush"}));
     EXPECT_TRUE(fixture.debugLines().contains(u"COUNTERPART_DONE: Well, maybe."_s));
+}
+
+TEST(ServerMessageTest, theDebugLineHoldsTheFirst500CharactersOfAReply) {
+    SessionFixture fixture;
+    const auto character = u"e\u0301"_s;
+    handle(fixture, ServerMsg::CounterpartToken{u" "_s + character.repeated(600)});
+    handle(fixture, ServerMsg::CounterpartDone{0});
+    EXPECT_EQ(fixture.debugLines(), (QStringList{u"COUNTERPART_DONE: "_s + character.repeated(500)}));
+    EXPECT_EQ(fixture.session().transcriptLines().lines().back().text, character.repeated(600));
 }
 
 TEST(ServerMessageTest, anEmptyReplyAddsNoLine) {

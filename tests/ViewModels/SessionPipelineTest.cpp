@@ -2,7 +2,7 @@
 
 #include <QSignalSpy>
 
-#include "Base/Log.h"
+#include "Support/LogCapture.h"
 #include "Support/SessionFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -22,20 +22,6 @@ QStringList recordStatus(SessionViewModel& session, QStringList& into) {
     return into;
 }
 
-class LogLines {
-public:
-    LogLines() {
-        setLogSink([this](const LogLine& line) { m_lines.append(line.category + u": "_s + line.text); });
-    }
-    ~LogLines() { setLogSink({}); }
-    LogLines(const LogLines&) = delete;
-    LogLines& operator=(const LogLines&) = delete;
-    [[nodiscard]] const QStringList& lines() const { return m_lines; }
-
-private:
-    QStringList m_lines;
-};
-
 TEST(SessionPipelineTest, goesThroughItsStatesToTheLivePhase) {
     SessionFixture fixture;
     auto& session = fixture.session();
@@ -54,6 +40,8 @@ TEST(SessionPipelineTest, goesThroughItsStatesToTheLivePhase) {
     EXPECT_EQ(session.currentSessionId(), u"s-1"_s);
     EXPECT_EQ(fixture.log, (CallLog{"ws.connect", "ws.send", "ws.send", "screenShare.stop", "stt.connect",
                                     "audio.startMic", "systemStt.connect", "systemAudio.start"}));
+    EXPECT_EQ(std::get<ClientMsg::SetScreenShare>(fixture.ws->sent.at(1).value),
+              (ClientMsg::SetScreenShare{.enabled = false}));
     EXPECT_EQ(fixture.stt->token, u"mic-token"_s);
     EXPECT_EQ(fixture.stt->url, u"ws://stt.test/mic"_s);
     EXPECT_EQ(fixture.factory.systemStt.token, u"system-token"_s);
@@ -69,11 +57,20 @@ TEST(SessionPipelineTest, goesThroughItsStatesToTheLivePhase) {
 TEST(SessionPipelineTest, aLocalServerNeedsNoSignInAndNoToken) {
     SessionFixture fixture;
     fixture.auth->accessToken = u"never-used"_s;
+    fixture.session().setUserEmail(u"anna@corvellan.example"_s);
     fixture.session().startSession();
     settle();
     EXPECT_FALSE(fixture.did("auth.login"));
     EXPECT_EQ(fixture.ws->urls.at(0).toString(), u"ws://localhost:3001/ws"_s);
-    EXPECT_EQ(fixture.session().userEmail(), std::nullopt);
+    EXPECT_EQ(fixture.session().userEmail(), u"anna@corvellan.example"_s);
+}
+
+TEST(SessionPipelineTest, aLocalServersQueryStaysAsItIs) {
+    SessionFixture fixture;
+    fixture.session().setServerURL(u"ws://127.0.0.1:3001/ws?room=1&token=mine"_s);
+    fixture.session().startSession();
+    settle();
+    EXPECT_EQ(fixture.ws->urls.at(0).toString(), u"ws://127.0.0.1:3001/ws?room=1&token=mine"_s);
 }
 
 TEST(SessionPipelineTest, aRemoteServerIsReachedWithTheTokenInPlaceOfItsQuery) {
@@ -106,7 +103,7 @@ TEST(SessionPipelineTest, aFailedSignInIsRepeatedOnceAfterALogout) {
     auto& session = fixture.session();
     session.setServerURL(u"wss://coach.test/ws"_s);
     fixture.auth->loginErrors = {refused};
-    const LogLines system;
+    const LogCapture system{u"Session"_s};
     QStringList states;
     recordStatus(session, states);
     session.startSession();
@@ -114,7 +111,7 @@ TEST(SessionPipelineTest, aFailedSignInIsRepeatedOnceAfterALogout) {
     EXPECT_EQ(states.mid(0, 3), (QStringList{u"Authenticating..."_s, u"Re-authenticating..."_s, u"Connecting..."_s}));
     EXPECT_EQ((CallLog{fixture.log.begin(), fixture.log.begin() + 4}),
               (CallLog{"auth.login", "auth.logout", "auth.login", "ws.connect"}));
-    EXPECT_TRUE(system.lines().contains(u"Session: Auth failed, forcing re-login: Connection refused"_s));
+    EXPECT_TRUE(system.errors().contains(u"Auth failed, forcing re-login: Connection refused"_s));
     EXPECT_TRUE(session.isSessionActive());
 }
 
@@ -123,13 +120,13 @@ TEST(SessionPipelineTest, aSecondFailedSignInFailsTheSessionWithTheFullCleanup) 
     auto& session = fixture.session();
     session.setServerURL(u"wss://coach.test/ws"_s);
     fixture.auth->loginErrors = {refused, TransportError{u"No such host"_s}};
-    const LogLines system;
+    const LogCapture system{u"Session"_s};
     session.startSession();
     settle();
     EXPECT_EQ(fixture.error(), u"No such host"_s);
     EXPECT_EQ(session.statusText(), u"Ready"_s);
     EXPECT_EQ((CallLog{fixture.log.begin() + 3, fixture.log.end()}), fullCleanup);
-    EXPECT_TRUE(system.lines().contains(u"Session: Session error: No such host"_s));
+    EXPECT_TRUE(system.errors().contains(u"Session error: No such host"_s));
     EXPECT_EQ(fixture.debugLines(), (QStringList{u"ERROR: No such host"_s}));
 }
 
@@ -199,19 +196,35 @@ TEST(SessionPipelineTest, theStartMessageCarriesWhatTheSessionIsAbout) {
 
 TEST(SessionPipelineTest, theMemoryNoteTravelsWithItsFirst2000Characters) {
     SessionFixture fixture;
-    fixture.memoryNote = QString(2500, u'é');
+    // One character of two code points, as some editors write it.
+    const auto character = u"e\u0301"_s;
+    fixture.memoryNote = character.repeated(2500);
     fixture.session().startSession();
     settle();
     const auto& message = std::get<StartSessionPayload>(fixture.ws->sent.at(0).value);
-    const auto expected = u"Rep context:\n"_s + QString(2000, u'é');
+    const auto expected = u"Rep context:\n"_s + character.repeated(2000);
     EXPECT_EQ(message.callNotes, expected);
 }
 
 TEST(SessionPipelineTest, blankCallNotesAddNothing) {
+    for (const auto& notes : {u"   "_s, u" \n "_s, QString{}}) {
+        SessionFixture fixture;
+        fixture.session().startSession({.callNotes = notes});
+        settle();
+        EXPECT_EQ(std::get<StartSessionPayload>(fixture.ws->sent.at(0).value).callNotes, std::nullopt);
+    }
+}
+
+TEST(SessionPipelineTest, theNoteOfEachStartIsReadAnew) {
     SessionFixture fixture;
-    fixture.session().startSession({.callNotes = u" \n "_s});
+    fixture.memoryNote = u"old"_s;
+    fixture.goLive();
+    fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
     settle();
-    EXPECT_EQ(std::get<StartSessionPayload>(fixture.ws->sent.at(0).value).callNotes, std::nullopt);
+    fixture.memoryNote = u"new"_s;
+    fixture.session().startSession();
+    settle();
+    EXPECT_EQ(std::get<StartSessionPayload>(fixture.ws->sent.back().value).callNotes, u"Rep context:\nnew"_s);
 }
 
 TEST(SessionPipelineTest, anErrorBeforeTheSessionShowsTheServersWordsExactlyAndSkipsTheCleanup) {
@@ -416,15 +429,38 @@ TEST(SessionPipelineTest, theElapsedTimerCountsSeconds) {
     EXPECT_EQ(fixture.session().elapsedSeconds(), 3);
 }
 
+TEST(SessionPipelineTest, aCancelledTimerTakesItsStepAndEnds) {
+    SessionFixture fixture;
+    fixture.goLive();
+    settleAfter(fixture.clock, 2s);
+    fixture.session().stopSession();
+    settle();
+    // An interrupted sleep is no error: the second it slept through counts.
+    EXPECT_EQ(fixture.session().elapsedSeconds(), 3);
+    settleAfter(fixture.clock, 10s);
+    EXPECT_EQ(fixture.session().elapsedSeconds(), 3);
+}
+
+TEST(SessionPipelineTest, theOldTimersLastStepNeverCountsInTheNextSession) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
+    settle();
+    fixture.goLive();
+    EXPECT_EQ(fixture.session().elapsedSeconds(), 0);
+    settleAfter(fixture.clock, 1s);
+    EXPECT_EQ(fixture.session().elapsedSeconds(), 1);
+}
+
 TEST(SessionPipelineTest, aSilentSessionEndsItselfAfterALittleMoreThan120Seconds) {
     SessionFixture fixture;
     fixture.goLive();
-    const LogLines system;
+    const LogCapture system{u"Session"_s};
     settleAfter(fixture.clock, 120s);
     EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 0);
     settleAfter(fixture.clock, 1s);
     EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 1);
-    EXPECT_TRUE(system.lines().contains(u"Session: Auto-stopping session — no transcript for 121s"_s));
+    EXPECT_TRUE(system.infos().contains(u"Auto-stopping session — no transcript for 121s"_s));
 }
 
 TEST(SessionPipelineTest, trainingIsNeverEndedBySilence) {
@@ -474,10 +510,10 @@ TEST(SessionPipelineTest, aFailedEndMessageIsOnlyLogged) {
     SessionFixture fixture;
     fixture.goLive();
     fixture.ws->sendError = refused;
-    const LogLines system;
+    const LogCapture system{u"Session"_s};
     fixture.session().endSession();
     settle();
-    EXPECT_TRUE(system.lines().contains(u"Session: Failed to send endSession: Connection refused"_s));
+    EXPECT_TRUE(system.errors().contains(u"Failed to send endSession: Connection refused"_s));
     EXPECT_EQ(fixture.session().errorMessage(), std::nullopt);
 }
 
@@ -500,15 +536,18 @@ TEST(SessionPipelineTest, aSummaryInTimeDisarmsTheTimeOutAndLeavesThePipelineRun
 
 TEST(SessionPipelineTest, aSummaryAfterTheTimeOutIsNoLongerRead) {
     SessionFixture fixture;
+    FakeStore store;
+    fixture.session().setModelContext(&store);
     fixture.goLive();
     fixture.session().endSession();
     settle();
+    // The time-out has struck and its stop is on its way when the summary comes.
     fixture.clock.advance(3s);
-    // The stop is under way when the summary comes.
     fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
-    fixture.session().stopSession();
     settle();
     EXPECT_EQ(fixture.session().lastSummary(), std::nullopt);
+    EXPECT_EQ(fixture.session().statusText(), u"Ready"_s);
+    EXPECT_TRUE(store.records.empty());
 }
 
 TEST(SessionPipelineTest, theNextStartClosesThePipelineOfTheLastAndItsLateExitLandsInTheNew) {
@@ -641,10 +680,10 @@ TEST(SessionPipelineTest, aFailedScreenShareMessageIsLoggedAndTheStepsGoOn) {
     SessionFixture fixture;
     fixture.goLive();
     fixture.ws->sendError = refused;
-    const LogLines system;
+    const LogCapture system{u"Session"_s};
     fixture.session().toggleScreenShare();
     settle();
-    EXPECT_TRUE(system.lines().contains(u"Session: setScreenShare send failed: Connection refused"_s));
+    EXPECT_TRUE(system.errors().contains(u"setScreenShare send failed: Connection refused"_s));
     EXPECT_TRUE(fixture.did("screenShare.start"));
 }
 

@@ -114,6 +114,28 @@ TEST(TrainingModeTest, ofTwoTipsWithinTwoSecondsOnlyTheSecondsTimerStands) {
     EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
 }
 
+TEST(TrainingModeTest, aTipsTimerEndsWithTheSession) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().handleServerMessage({tip()});
+    settle();
+    fixture.session().stopSession();
+    fixture.session().setTrainStage(TrainStage::coaching);
+    settleAfter(fixture.clock, 5s);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    EXPECT_EQ(fixture.session().statusText(), u"Ready"_s);
+}
+
+TEST(TrainingModeTest, aTipsTimerLeavesAnotherStageAlone) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().handleServerMessage({tip()});
+    fixture.session().setTrainStage(TrainStage::waitingLLM);
+    settleAfter(fixture.clock, 5s);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::waitingLLM);
+    EXPECT_EQ(fixture.session().statusText(), u"Coaching"_s);
+}
+
 TEST(TrainingModeTest, inALiveCallATipLeavesTheStageAlone) {
     SessionFixture fixture;
     fixture.goLive();

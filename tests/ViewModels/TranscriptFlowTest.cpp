@@ -236,6 +236,8 @@ TEST(TranscriptFlowTest, stoppingDoesNotReadAsADisconnection) {
     SessionFixture fixture;
     fixture.goLive();
     fixture.session().stopSession();
+    // The socket that is torn down tells its reader of a failure.
+    fixture.ws->fail(u"Cancelled"_s);
     settle();
     EXPECT_EQ(fixture.session().errorMessage(), std::nullopt);
 }
@@ -248,6 +250,12 @@ TEST(TranscriptFlowTest, finalsAfterTheSummaryAreStillRecorded) {
     fixture.stt->deliverFinal(u"one more thing"_s);
     settle();
     EXPECT_EQ(texts(fixture), (QStringList{u"YOU: one more thing"_s}));
+    EXPECT_EQ(fixture.ws->countSent<ClientMsg::Transcript>(), 1) << "the socket is still open";
+    fixture.ws->sendError = TransportError{u"gone"_s};
+    fixture.stt->deliverFinal(u"and another"_s);
+    settle();
+    EXPECT_EQ(texts(fixture), (QStringList{u"YOU: one more thing"_s, u"YOU: and another"_s}));
+    EXPECT_EQ(fixture.session().errorMessage(), std::nullopt);
 }
 
 TEST(TranscriptFlowTest, pumpsOnAThreadOfTheirOwnLoseNothing) {
