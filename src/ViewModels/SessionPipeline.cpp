@@ -98,8 +98,15 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_t
     ++m_runningSessions;
     // The pipeline that the last summary left running works on the same services: what it closes last
     // would be this call's connection.
-    while (m_pipelines > 0)
+    while (m_pipelines > 0) {
         co_await m_pipelineClosed.next();
+        // Given up meanwhile, for another start or at a log-out: it must not sign in any more. It has
+        // changed nothing so far, and its exit would tell of an end that is not that of the next one.
+        if (stop.stop_requested()) {
+            --m_runningSessions;
+            co_return;
+        }
+    }
     const auto signedIn = co_await signIn();
     if (!signedIn) {
         co_await failSession(signedIn.error());

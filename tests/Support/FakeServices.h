@@ -201,10 +201,10 @@ public:
     }
     QCoro::Task<void> disconnect() override {
         m_log.push_back(m_name + ".disconnect");
+        co_await disconnectGate.pass();
         if (m_producer)
             m_producer->finish();
         m_producer.reset();
-        co_return;
     }
 
     void deliver(SttEvent event) { m_producer->push(std::move(event)); }
@@ -217,6 +217,7 @@ public:
     std::vector<QByteArray> received;
     Gate connectGate;
     Gate sendGate;
+    Gate disconnectGate;
 
 private:
     CallLog& m_log;

@@ -28,6 +28,7 @@ public:
         ws->connectGate.open();
         stt->connectGate.open();
         stt->sendGate.open();
+        stt->disconnectGate.open();
         factory.systemStt.connectGate.open();
         factory.systemStt.sendGate.open();
         auth->loginGate.open();

@@ -601,6 +601,42 @@ TEST(SessionPipelineTest, aStartRightAfterAStopWaitsForTheClosing) {
     EXPECT_EQ(session.statusText(), u"Listening..."_s);
 }
 
+TEST(SessionPipelineTest, ofTwoStartsThatWaitForTheClosingOnlyTheSecondConnects) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    fixture.goLive();
+    fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
+    settle();
+    session.startSession({.company = u"First"_s});
+    session.startSession({.company = u"Second"_s});
+    settle();
+    EXPECT_EQ(fixture.ws->urls.size(), 2U) << "the ended call's and one more";
+    EXPECT_EQ(std::get<StartSessionPayload>(fixture.ws->sent.back().value).company, u"Second"_s);
+    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+    settle();
+    EXPECT_TRUE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+}
+
+TEST(SessionPipelineTest, aStartThatIsStoppedWhileItWaitsNeverConnects) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    fixture.goLive();
+    fixture.stt->disconnectGate.close();
+    session.stopSession();
+    session.startSession();
+    settle();
+    EXPECT_TRUE(fixture.did("stt.disconnect"));
+    EXPECT_FALSE(fixture.did("ws.disconnect"));
+    session.stopSession();
+    fixture.stt->disconnectGate.open();
+    settle();
+    EXPECT_EQ(fixture.ws->urls.size(), 1U);
+    EXPECT_FALSE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Ready"_s);
+    EXPECT_TRUE(session.isQuiet());
+}
+
 TEST(SessionPipelineTest, aStartDuringAHangingSignInDoesNotWaitForIt) {
     SessionFixture fixture;
     auto& session = fixture.session();
