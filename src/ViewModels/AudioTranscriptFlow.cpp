@@ -155,7 +155,7 @@ QCoro::Task<void> SessionViewModel::readServerMessages(std::stop_token stop) {
 void SessionViewModel::recordLine(TranscriptSource source, const QString& text) {
     appendLine(source, text);
     if (text::count(text::trimmed(text)) >= realTranscriptLength)
-        m_lastRealTranscriptTime = m_environment.clock.now();
+        m_lastRealTranscriptTime = m_environment.clock.wallNow();
 }
 
 void SessionViewModel::appendLine(TranscriptSource source, const QString& text) {

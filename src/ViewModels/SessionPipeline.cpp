@@ -137,7 +137,7 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_t
     }
     setIsSessionActive(true);
     setElapsedSeconds(0);
-    m_lastRealTranscriptTime = m_environment.clock.now();
+    m_lastRealTranscriptTime = m_environment.clock.wallNow();
     m_timerTask = CancellableTask::start([this](std::stop_token timerStop) { return runElapsedTimer(timerStop); });
     setStatusText(u"Waiting for session..."_s);
     debugLog(request.simMode ? u"Sent StartSession simMode=true"_s : u"Sent StartSession simMode=false"_s);
@@ -292,7 +292,8 @@ QCoro::Task<void> SessionViewModel::runElapsedTimer(std::stop_token stop) {
     while (!stop.stop_requested()) {
         co_await sleep(m_environment.clock, 1s, stop);
         setElapsedSeconds(m_elapsedSeconds + 1);
-        const auto silence = m_environment.clock.now() - m_lastRealTranscriptTime;
+        // By wall time: a computer that slept through the limit wakes to an ended session.
+        const auto silence = m_environment.clock.wallNow() - m_lastRealTranscriptTime;
         if (silence > silenceLimit && !m_isTrainMode) {
             const auto seconds = std::chrono::floor<std::chrono::seconds>(silence).count();
             m_logger.info(u"Auto-stopping session — no transcript for "_s + QString::number(seconds) + u's');

@@ -48,7 +48,7 @@ SessionViewModel::SessionViewModel(SessionEnvironment environment, std::unique_p
     m_autoStartOnCall = preferences.boolean(u"autoStartOnCall"_s).value_or(true);
     m_coachingMode = storedCoachingMode(preferences);
     m_isScreenShareEnabled = preferences.boolean(u"screenShareEnabled"_s).value_or(false);
-    m_lastRealTranscriptTime = m_environment.clock.now();
+    m_lastRealTranscriptTime = m_environment.clock.wallNow();
     m_serverURL = m_environment.productionUrl;
     m_authURL = m_environment.chatUrl;
 

@@ -303,7 +303,7 @@ private:
     int m_pipelines = 0;
     Announcement m_pipelineClosed;
     int m_detachedTasks = 0;
-    MonotonicTime m_lastRealTranscriptTime{};
+    WallTime m_lastRealTranscriptTime{};
     bool m_isTrainMode = false;
     std::optional<QString> m_currentScenario;
     std::optional<QString> m_currentHubspotId;

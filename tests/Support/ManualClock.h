@@ -50,6 +50,12 @@ public:
         }
     }
 
+    /// As when the computer sleeps: wall time goes on, monotonic time stands.
+    void advanceWallAlone(std::chrono::milliseconds step) {
+        const std::scoped_lock lock{m_mutex};
+        m_wall += step;
+    }
+
     [[nodiscard]] std::optional<MonotonicTime> nextDeadline() const {
         const std::scoped_lock lock{m_mutex};
         return m_queue.next();

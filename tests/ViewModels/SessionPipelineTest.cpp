@@ -463,6 +463,16 @@ TEST(SessionPipelineTest, aSilentSessionEndsItselfAfterALittleMoreThan120Seconds
     EXPECT_TRUE(system.infos().contains(u"Auto-stopping session — no transcript for 121s"_s));
 }
 
+TEST(SessionPipelineTest, aSessionThatTheComputerSleptThroughEndsItself) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.clock.advanceWallAlone(1h);
+    const LogCapture system{u"Session"_s};
+    settleAfter(fixture.clock, 1s);
+    EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 1);
+    EXPECT_TRUE(system.infos().contains(u"Auto-stopping session — no transcript for 3601s"_s));
+}
+
 TEST(SessionPipelineTest, trainingIsNeverEndedBySilence) {
     SessionFixture fixture;
     fixture.goLive({.simMode = true});
