@@ -45,14 +45,17 @@ QString onOneLine(QString text) {
 }
 
 QString withoutTags(const QString& text) {
+    // Behind the last closing bracket there is no tag. Looked for from each opening one to the end, that
+    // would take a time that grows with the square of the text.
+    const qsizetype end = text.lastIndexOf(u'>') + 1;
     UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeString input{reinterpret_cast<const char16_t*>(text.utf16()), static_cast<int32_t>(text.size())};
+    const icu::UnicodeString input{reinterpret_cast<const char16_t*>(text.utf16()), static_cast<int32_t>(end)};
     icu::RegexMatcher matcher{icu::UnicodeString{u"<[^>]+>"}, input, 0, status};
     const icu::UnicodeString output = matcher.replaceAll(icu::UnicodeString{}, status);
     // Only a lack of memory fails this pattern; the text as it stands is then still readable.
     if (U_FAILURE(status))
         return text;
-    return QString::fromUtf16(output.getBuffer(), output.length());
+    return QString::fromUtf16(output.getBuffer(), output.length()) + text.sliced(end);
 }
 
 }  // namespace

@@ -59,6 +59,14 @@ TEST(CoachingOverlayRulesTest, cleanBriefSurvivesAMegabyteWithoutAClosingBracket
     EXPECT_EQ(View::cleanBrief(open), open);
 }
 
+TEST(CoachingOverlayRulesTest, cleanBriefSurvivesAMegabyteOfOpeningBrackets) {
+    // Searched from each of them to the end, this would take hours.
+    const QString open = QString(1'000'000, u'<');
+    EXPECT_EQ(View::cleanBrief(open), open);
+    EXPECT_EQ(View::cleanBrief(u"<b>Hi</b> "_s + open), u"Hi "_s + open);
+    EXPECT_EQ(View::cleanBrief(open + u">x"_s), u"x"_s);
+}
+
 TEST(CoachingOverlayRulesTest, stageAbbrevHasThreeLettersForEachStage) {
     const std::vector<std::pair<CallStage, QString>> cases{
         {CallStage::opening, u"OPN"_s}, {CallStage::discovery, u"DIS"_s},   {CallStage::qualification, u"QUA"_s},
