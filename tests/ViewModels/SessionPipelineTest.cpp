@@ -660,6 +660,74 @@ TEST(SessionPipelineTest, aStartDuringAHangingSignInDoesNotWaitForIt) {
     EXPECT_TRUE(session.isSessionActive());
 }
 
+TEST(SessionPipelineTest, aStartHoldsItsCallWhereTheLastOneHungInAHandshake) {
+    for (const bool isSystemSide : {false, true}) {
+        SessionFixture fixture;
+        auto& session = fixture.session();
+        auto& gate = isSystemSide ? fixture.factory.systemStt.connectGate : fixture.stt->connectGate;
+        gate.close();
+        fixture.goLive();
+        session.stopSession();
+        settle();
+        session.startSession({.company = u"Next"_s});
+        settle();
+        // The new connection takes the place of the one that hung.
+        gate.open();
+        fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+        settle();
+
+        EXPECT_TRUE(session.isSessionActive());
+        EXPECT_TRUE(session.isConnected());
+        EXPECT_EQ(session.statusText(), u"Listening..."_s);
+        EXPECT_EQ(fixture.error(), QString{});
+        EXPECT_FALSE(fixture.did("ws.disconnect"));
+        fixture.audio->deliver();
+        settle();
+        EXPECT_EQ(fixture.stt->received.size(), 1U);
+    }
+}
+
+TEST(SessionPipelineTest, aStartThatIsReplacedWhileItConnectsLeavesNoTrace) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    fixture.ws->connectGate.close();
+    session.startSession({.company = u"First"_s});
+    settle();
+    session.startSession({.company = u"Second"_s});
+    settle();
+    // As a socket fails that its successor closes.
+    fixture.ws->sendError = Error::cancelled();
+    QStringList states;
+    recordStatus(session, states);
+    fixture.log.clear();
+    fixture.ws->connectGate.open();
+    settle();
+
+    // The second alone goes on, and fails for itself.
+    EXPECT_EQ(std::ranges::count(fixture.log, "ws.send"), 1);
+    EXPECT_EQ(std::ranges::count(fixture.log, "ws.disconnect"), 1);
+    EXPECT_EQ(states, (QStringList{u"Connected"_s, u"Ready"_s}));
+}
+
+TEST(SessionPipelineTest, aSignInThatIsReplacedIsNotRepeatedAndStartsNothing) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    session.setServerURL(u"wss://coach.test/ws"_s);
+    fixture.auth->loginGate.close();
+    fixture.auth->loginErrors = {refused};
+    session.startSession();
+    settle();
+    session.setServerURL(u"ws://localhost:3001/ws"_s);
+    fixture.goLive();
+    ASSERT_TRUE(session.isSessionActive());
+    fixture.auth->loginGate.open();
+    settle();
+
+    EXPECT_EQ(fixture.log, CallLog{});
+    EXPECT_TRUE(session.isSessionActive());
+    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+}
+
 TEST(SessionPipelineTest, stoppingClearsTheStateAtOnceAndClosesAfterwards) {
     SessionFixture fixture;
     auto& session = fixture.session();
