@@ -54,8 +54,8 @@ void SessionViewModel::startSession(StartRequest request) {
     setCounterpartStreamingText({});
     setTrainStage(TrainStage::listening);
 
-    m_sessionTask = CancellableTask::start([this, request = std::move(request), attempt = ++m_attempt](
-                                               std::stop_token stop) { return runSession(request, attempt, stop); });
+    m_sessionTask = CancellableTask::start(
+        [this, request = std::move(request)](std::stop_token stop) { return runSession(request, std::move(stop)); });
 }
 
 std::optional<QString> SessionViewModel::serverContext(const std::optional<QString>& callNotes) const {
@@ -94,20 +94,20 @@ void SessionViewModel::resetForSession() {
     setCrmBrief(std::nullopt);
 }
 
-QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64_t attempt, std::stop_token stop) {
-    const Running running{m_runningSessions};
+QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_token stop) {
+    ++m_runningSessions;
     // The pipeline that the last summary left running works on the same services: what it closes last
     // would be this call's connection.
     while (m_pipelines > 0) {
         co_await m_pipelineClosed.next();
         // Given up meanwhile, for another start or at a log-out: it must not sign in any more. It has
         // changed nothing so far, and its exit would tell of an end that is not that of the next one.
-        if (stop.stop_requested())
+        if (stop.stop_requested()) {
+            --m_runningSessions;
             co_return;
+        }
     }
-    const auto signedIn = co_await signIn(attempt);
-    if (isReplaced(attempt))
-        co_return;
+    const auto signedIn = co_await signIn();
     if (!signedIn) {
         co_await failSession(signedIn.error());
         co_return;
@@ -121,8 +121,6 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
         co_return;
     }
     const auto connected = co_await m_webSocket->connect(*url);
-    if (isReplaced(attempt))
-        co_return;
     if (!connected) {
         co_await failSession(connected.error());
         co_return;
@@ -133,8 +131,6 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
 
     auto startMessage = startMessageFor(request);
     const auto sent = co_await m_webSocket->send(std::move(startMessage));
-    if (isReplaced(attempt))
-        co_return;
     if (!sent) {
         co_await failSession(sent.error());
         co_return;
@@ -146,9 +142,7 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
     setStatusText(u"Waiting for session..."_s);
     debugLog(request.simMode ? u"Sent StartSession simMode=true"_s : u"Sent StartSession simMode=false"_s);
 
-    const auto awaited = co_await awaitSessionStarted(attempt, stop);
-    if (isReplaced(attempt))
-        co_return;
+    const auto awaited = co_await awaitSessionStarted(stop);
     if (!awaited) {
         co_await failSession(awaited.error());
         co_return;
@@ -162,8 +156,6 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
     debugLog(u"SessionStarted id="_s + started.sessionId + u" token="_s + presence(started.openaiEphemeralToken) +
              u" sysToken="_s + presence(started.openaiEphemeralTokenSystem));
     co_await applyScreenShareToggle();
-    if (isReplaced(attempt))
-        co_return;
     if (!started.openaiEphemeralToken) {
         refuseWithoutToken();
         exitSession();
@@ -173,23 +165,17 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
     setStatusText(u"Starting STT..."_s);
     debugLog(u"Connecting STT..."_s);
     co_await m_stt->connect(*started.openaiEphemeralToken, started.openaiRealtimeUrl);
-    if (isReplaced(attempt))
-        co_return;
     debugLog(u"STT connected"_s);
     setStatusText(u"Starting mic..."_s);
     debugLog(u"Starting mic..."_s);
     auto microphone = co_await m_audio->startMic();
-    if (isReplaced(attempt))
-        co_return;
     if (!microphone) {
         co_await failSession(microphone.error());
         co_return;
     }
     LiveStreams streams{.microphone = std::move(*microphone), .microphoneEvents = m_stt->events()};
     if (started.openaiEphemeralTokenSystem && !request.simMode)
-        co_await startSystemAudio(started, attempt, streams);
-    if (isReplaced(attempt))
-        co_return;
+        co_await startSystemAudio(started, streams);
 
     setStatusText(u"Listening..."_s);
     debugLog(u"Pipeline ready — listening"_s);
@@ -198,19 +184,19 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::uint64
     co_await closePipeline();
 }
 
-QCoro::Task<std::expected<std::optional<QString>, Error>> SessionViewModel::signIn(std::uint64_t attempt) {
+QCoro::Task<std::expected<std::optional<QString>, Error>> SessionViewModel::signIn() {
     if (isLocalServer())
         co_return std::nullopt;
     setStatusText(u"Authenticating..."_s);
     auto result = co_await m_auth->login(m_authURL);
-    if (!result && !isReplaced(attempt)) {
+    if (!result) {
         m_logger.error(u"Auth failed, forcing re-login: "_s + result.error().debugDescription());
         setStatusText(u"Re-authenticating..."_s);
         co_await m_auth->logout();
         result = co_await m_auth->login(m_authURL);
+        if (!result)
+            co_return std::unexpected(result.error());
     }
-    if (!result)
-        co_return std::unexpected(result.error());
     auto token = co_await m_auth->token();
     if (token)
         setUserEmail(emailFromJWT(*token));
@@ -234,12 +220,10 @@ ClientMsg SessionViewModel::startMessageFor(const StartRequest& request) const {
 }
 
 QCoro::Task<std::expected<std::optional<SessionStartedPayload>, Error>> SessionViewModel::awaitSessionStarted(
-    std::uint64_t attempt, std::stop_token stop) {
+    std::stop_token stop) {
     const auto stream = m_webSocket->receive();
     while (true) {
         auto next = co_await stream.next(stop);
-        if (isReplaced(attempt))
-            co_return std::nullopt;
         if (!next)
             co_return std::unexpected(next.error());
         if (!*next) {
@@ -263,15 +247,10 @@ void SessionViewModel::refuseWithoutToken() {
     debugLog(u"ERROR: no ephemeral token"_s);
 }
 
-QCoro::Task<void> SessionViewModel::startSystemAudio(SessionStartedPayload started, std::uint64_t attempt,
-                                                     LiveStreams& streams) {
+QCoro::Task<void> SessionViewModel::startSystemAudio(SessionStartedPayload started, LiveStreams& streams) {
     debugLog(u"Starting system audio capture..."_s);
     co_await m_systemStt->connect(*started.openaiEphemeralTokenSystem, started.openaiRealtimeUrlSystem);
-    if (isReplaced(attempt))
-        co_return;
     auto capture = co_await m_systemAudio->start();
-    if (isReplaced(attempt))
-        co_return;
     if (!capture) {
         // The call goes on with the microphone alone.
         debugLog(u"System audio failed (mic-only): "_s + capture.error().debugDescription());
@@ -306,6 +285,7 @@ void SessionViewModel::exitSession() {
     setIsSessionActive(false);
     setIsConnected(false);
     setStatusText(u"Ready"_s);
+    --m_runningSessions;
 }
 
 QCoro::Task<void> SessionViewModel::runElapsedTimer(std::stop_token stop) {

@@ -235,18 +235,6 @@ private:
 
     // SessionPipeline.cpp
 
-    /// Counts a session for as long as its task runs.
-    class Running {
-    public:
-        explicit Running(int& count) : m_count(count) { ++m_count; }
-        ~Running() { --m_count; }
-        Running(const Running&) = delete;
-        Running& operator=(const Running&) = delete;
-
-    private:
-        int& m_count;
-    };
-
     /// What the live phase reads; the system side is absent without a token or a capture.
     struct LiveStreams {
         AsyncStream<AudioChunk> microphone;
@@ -258,19 +246,14 @@ private:
     /// The memory note and the call notes as they travel in the start message.
     [[nodiscard]] std::optional<QString> serverContext(const std::optional<QString>& callNotes) const;
     void resetForSession();
-    /// An attempt to hold a session, from its start to its exit. One that a later attempt replaces while
-    /// it comes up, hanging in a sign-in or a handshake, ends at its next step and touches nothing more:
-    /// state and services are the later one's.
-    QCoro::Task<void> runSession(StartRequest request, std::uint64_t attempt, std::stop_token stop);
-    [[nodiscard]] bool isReplaced(std::uint64_t attempt) const { return attempt != m_attempt; }
+    QCoro::Task<void> runSession(StartRequest request, std::stop_token stop);
     /// The access token, absent on a local server.
-    QCoro::Task<std::expected<std::optional<QString>, Error>> signIn(std::uint64_t attempt);
+    QCoro::Task<std::expected<std::optional<QString>, Error>> signIn();
     [[nodiscard]] ClientMsg startMessageFor(const StartRequest& request) const;
-    /// Empty when the server refused and the user has been told, and for an attempt that is replaced.
-    QCoro::Task<std::expected<std::optional<SessionStartedPayload>, Error>> awaitSessionStarted(std::uint64_t attempt,
-                                                                                                std::stop_token stop);
+    /// Empty when the server refused and the user has been told.
+    QCoro::Task<std::expected<std::optional<SessionStartedPayload>, Error>> awaitSessionStarted(std::stop_token stop);
     void refuseWithoutToken();
-    QCoro::Task<void> startSystemAudio(SessionStartedPayload started, std::uint64_t attempt, LiveStreams& streams);
+    QCoro::Task<void> startSystemAudio(SessionStartedPayload started, LiveStreams& streams);
     QCoro::Task<void> failSession(Error error);
     /// The cleanup in full, also of services that were never started, and the exit.
     QCoro::Task<void> closePipeline();
@@ -315,8 +298,6 @@ private:
     TaskSlot m_coachingResetTask;
     TaskSlot m_timerTask;
     TaskSlot m_autoStartTask;
-    /// The attempt that state and services belong to.
-    std::uint64_t m_attempt = 0;
     int m_runningSessions = 0;
     /// Sessions in their live phase or being closed, and word of each one's end.
     int m_pipelines = 0;
