@@ -15,12 +15,25 @@ Error timedOut() {
     return TransportError{u"The connection timed out."_s};
 }
 
-/// Qt's sentence without the name of the function that wrote it.
-QString readable(const QString& errorString) {
-    const qsizetype colon = errorString.indexOf(u": "_s);
-    if (errorString.startsWith(u"QWebSocketPrivate::"_s) && colon >= 0)
-        return errorString.sliced(colon + 2);
-    return errorString;
+/// What a user can make something of. Qt's own words stay in it where they tell more.
+QString readable(QString reason) {
+    constexpr QLatin1StringView function{"QWebSocketPrivate::"};
+    if (const qsizetype colon = reason.indexOf(u": "_s); reason.startsWith(function) && colon >= 0)
+        reason.remove(0, colon + 2);
+    constexpr QLatin1StringView status{"Unhandled http status code: "};
+    if (reason.startsWith(status))
+        return u"The server refused the connection: "_s + reason.sliced(status.size());
+    if (reason.startsWith("Unsupported WebSocket scheme"_L1))
+        return u"The server's address does not begin with ws:// or wss://."_s;
+    if (reason.contains("handshake"_L1))
+        return u"What answers at the server's address is no coaching or transcription server (%1)."_s.arg(reason);
+    if (reason == "Connection refused"_L1)
+        return u"The server does not answer (Connection refused)."_s;
+    if (reason == "Host not found"_L1)
+        return u"The server was not found. Is the computer online? (Host not found)"_s;
+    if (reason.endsWith("unreachable"_L1))
+        return u"The server is out of reach. Is the computer online? (%1)"_s.arg(reason);
+    return reason;
 }
 
 }  // namespace

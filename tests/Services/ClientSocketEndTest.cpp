@@ -113,7 +113,7 @@ TEST_F(ClientSocketTest, aRefusedConnectionIsAFailure) {
     open(nobody);
     ASSERT_TRUE(waitForEnd());
     EXPECT_FALSE(seen.end->isNormal);
-    EXPECT_EQ(seen.reason(), "Connection refused");
+    EXPECT_EQ(seen.reason(), "The server does not answer (Connection refused).");
 }
 
 TEST_F(ClientSocketTest, anUnreachableHostIsAFailure) {
@@ -126,8 +126,8 @@ TEST_F(ClientSocketTest, anUnreachableHostIsAFailure) {
 
 TEST_F(ClientSocketTest, anUpgradeThatIsRefusedIsAFailureThatTellsTheStatus) {
     for (const auto& [status, reason] :
-         {std::pair{"401 Unauthorized", "Unhandled http status code: 401 (Unauthorized)."},
-          std::pair{"404 Not Found", "Unhandled http status code: 404 (Not Found)."}}) {
+         {std::pair{"401 Unauthorized", "The server refused the connection: 401 (Unauthorized)."},
+          std::pair{"404 Not Found", "The server refused the connection: 404 (Not Found)."}}) {
         seen = {};
         RawServer refusing;
         // What stands behind the refusal must not be taken for another handshake.
@@ -151,6 +151,7 @@ TEST_F(ClientSocketTest, garbageInPlaceOfAHandshakeIsAFailure) {
     open(raw.url());
     ASSERT_TRUE(waitForEnd());
     EXPECT_FALSE(seen.end->isNormal);
+    EXPECT_TRUE(seen.reason().starts_with("What answers at the server's address is no ")) << seen.reason();
 }
 
 TEST_F(ClientSocketTest, aWrongAcceptKeyIsAFailure) {
@@ -172,7 +173,7 @@ TEST_F(ClientSocketTest, anEndInPlaceOfAHandshakeIsAFailure) {
 TEST_F(ClientSocketTest, aSchemeThatIsNoWebSocketIsAFailure) {
     open(QUrl{u"https://127.0.0.1/"_s});
     ASSERT_TRUE(waitForEnd());
-    EXPECT_EQ(seen.reason(), "Unsupported WebSocket scheme: https");
+    EXPECT_EQ(seen.reason(), "The server's address does not begin with ws:// or wss://.");
 }
 
 TEST_F(ClientSocketTest, aHandshakeOfMoreThan60SecondsIsAFailure) {

@@ -40,7 +40,7 @@ TEST_F(ClientSocketTest, whatWaitsForTheHandshakeFailsWithIt) {
     for (auto* waiting : {&first, &second, &ping}) {
         const auto result = complete(std::move(*waiting));
         ASSERT_FALSE(result.has_value());
-        EXPECT_EQ(result.error().errorDescription(), u"Connection refused"_s);
+        EXPECT_EQ(result.error().errorDescription(), u"The server does not answer (Connection refused)."_s);
     }
 }
 

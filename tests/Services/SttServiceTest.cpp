@@ -293,9 +293,9 @@ TEST_P(SttServiceTest, aRefusedConnectionIsLoggedAndIsAnEvent) {
     const auto reader = listen();
     complete(stt->connect(u"t"_s, nobody.toString()));
     ASSERT_TRUE(reader->waitFor(1));
-    EXPECT_EQ(reader->values(), std::vector{failure(u"Connection refused"_s)});
+    EXPECT_EQ(reader->values(), std::vector{failure(u"The server does not answer (Connection refused)."_s)});
     EXPECT_EQ(log.infos(), QStringList{u"STT connected to "_s + nobody.toString()});
-    EXPECT_EQ(log.errors(), QStringList{u"STT readLoop failure: Connection refused"_s});
+    EXPECT_EQ(log.errors(), QStringList{u"STT readLoop failure: The server does not answer (Connection refused)."_s});
 }
 
 TEST_P(SttServiceTest, aRefusedTokenIsLoggedAndIsAnEvent) {
@@ -305,7 +305,7 @@ TEST_P(SttServiceTest, aRefusedTokenIsLoggedAndIsAnEvent) {
     const auto reader = listen();
     complete(stt->connect(u"t"_s, raw.url().toString()));
     ASSERT_TRUE(reader->waitFor(1));
-    EXPECT_EQ(reader->values(), std::vector{failure(u"Unhandled http status code: 401 (Unauthorized)."_s)});
+    EXPECT_EQ(reader->values(), std::vector{failure(u"The server refused the connection: 401 (Unauthorized)."_s)});
 }
 
 TEST_P(SttServiceTest, aHandshakeThatHangsFailsAfter60Seconds) {

@@ -326,9 +326,9 @@ TEST_P(WebSocketServiceTest, aRefusedConnectionFailsTheFirstSendAndTheStream) {
     server.stopListening();
     ASSERT_TRUE(complete(coach->connect(nobody)).has_value());
     Reader reader{coach->receive()};
-    EXPECT_EQ(sendFailure(), u"Connection refused"_s);
+    EXPECT_EQ(sendFailure(), u"The server does not answer (Connection refused)."_s);
     ASSERT_TRUE(reader.waitForEnd());
-    EXPECT_EQ(reader.failure(), u"Connection refused"_s);
+    EXPECT_EQ(reader.failure(), u"The server does not answer (Connection refused)."_s);
     EXPECT_EQ(log.infos(), QStringList{u"Connected to "_s + nobody.toString()});
 }
 
@@ -344,9 +344,9 @@ TEST_P(WebSocketServiceTest, aRefusedUpgradeTellsItsStatus) {
     ASSERT_TRUE(raw.listen());
     complete(coach->connect(raw.url()));
     Reader reader{coach->receive()};
-    EXPECT_EQ(sendFailure(), u"Unhandled http status code: 401 (Unauthorized)."_s);
+    EXPECT_EQ(sendFailure(), u"The server refused the connection: 401 (Unauthorized)."_s);
     ASSERT_TRUE(reader.waitForEnd());
-    EXPECT_EQ(reader.failure(), u"Unhandled http status code: 401 (Unauthorized)."_s);
+    EXPECT_EQ(reader.failure(), u"The server refused the connection: 401 (Unauthorized)."_s);
 }
 
 TEST_P(WebSocketServiceTest, pingsEvery20SecondsAsControlFrames) {
