@@ -132,9 +132,17 @@ bool StealthPanel::event(QEvent* event) {
     return QQuickView::event(event);
 }
 
+const QScreen* StealthPanel::itsScreen() const {
+    // By its place: the platform names another screen only when the window has got there, and a face
+    // change in the meantime would send it back.
+    if (const QScreen* const there = QGuiApplication::screenAt(frameGeometry().center()))
+        return there;
+    return screen() ? screen() : QGuiApplication::primaryScreen();
+}
+
 std::optional<QRect> StealthPanel::availableGeometry() const {
-    const QScreen* const itsScreen = screen() ? screen() : QGuiApplication::primaryScreen();
-    return itsScreen ? std::optional{itsScreen->availableGeometry()} : std::nullopt;
+    const QScreen* const present = itsScreen();
+    return present ? std::optional{present->availableGeometry()} : std::nullopt;
 }
 
 void StealthPanel::applyStealth(bool isHidden) {
@@ -150,7 +158,7 @@ void StealthPanel::place(QSize size, Sizing sizing, QRect frame) {
 
 void StealthPanel::moveToActiveScreen() {
     const QScreen* const active = QGuiApplication::screenAt(QCursor::pos());
-    if (!active || active == screen())
+    if (!active || active == itsScreen())
         return;
     setFramePosition(panel::middleOrigin(size(), active->availableGeometry()));
 }

@@ -72,6 +72,8 @@ private:
     enum class Face { idle, call };
     enum class Sizing { fixed, resizable };
 
+    /// Null when there is none at all.
+    [[nodiscard]] const QScreen* itsScreen() const;
     [[nodiscard]] std::optional<QRect> availableGeometry() const;
     void applyStealth(bool isHidden);
     void place(QSize size, Sizing sizing, QRect frame);
