@@ -21,22 +21,22 @@ bool hasEnded(const typename AsyncStream<T>::Next& next) {
 
 }  // namespace
 
-QCoro::Task<void> SessionViewModel::runLivePhase(LiveStreams streams, std::stop_token stop) {
+QCoro::Task<void> SessionViewModel::runLivePhase(SideStreams microphone, std::optional<SideStreams> system,
+                                                 std::stop_token stop) {
     TaskGroup group{stop};
     auto& pumps = m_environment.pumps;
-    group.add([this, &pumps, stream = streams.microphone](std::stop_token token) {
+    group.add([this, &pumps, stream = std::move(microphone.audio)](std::stop_token token) {
         return pumps.run([this, stream, token] { return pumpMicrophone(stream, token); });
     });
-    if (streams.system) {
-        group.add([this, &pumps, stream = *streams.system](std::stop_token token) {
+    if (system) {
+        group.add([this, &pumps, stream = std::move(system->audio)](std::stop_token token) {
             return pumps.run([this, stream, token] { return pumpSystemAudio(stream, token); });
         });
-    }
-    if (streams.systemEvents)
-        group.add([this, stream = *streams.systemEvents](std::stop_token token) {
+        group.add([this, stream = std::move(system->events)](std::stop_token token) {
             return readSystemEvents(stream, std::move(token));
         });
-    group.add([this, stream = streams.microphoneEvents](std::stop_token token) {
+    }
+    group.add([this, stream = std::move(microphone.events)](std::stop_token token) {
         return readMicrophoneEvents(stream, std::move(token));
     });
     group.add([this](std::stop_token token) { return readServerMessages(std::move(token)); });

@@ -173,14 +173,15 @@ QCoro::Task<void> SessionViewModel::runSession(StartRequest request, std::stop_t
         co_await failSession(microphone.error());
         co_return;
     }
-    LiveStreams streams{.microphone = std::move(*microphone), .microphoneEvents = m_stt->events()};
+    SideStreams microphoneSide{.audio = std::move(*microphone), .events = m_stt->events()};
+    std::optional<SideStreams> systemSide;
     if (started.openaiEphemeralTokenSystem && !request.simMode)
-        co_await startSystemAudio(started, streams);
+        systemSide = co_await startSystemAudio(started);
 
     setStatusText(u"Listening..."_s);
     debugLog(u"Pipeline ready — listening"_s);
     ++m_pipelines;
-    co_await runLivePhase(std::move(streams), stop);
+    co_await runLivePhase(std::move(microphoneSide), std::move(systemSide), stop);
     co_await closePipeline();
 }
 
@@ -247,7 +248,8 @@ void SessionViewModel::refuseWithoutToken() {
     debugLog(u"ERROR: no ephemeral token"_s);
 }
 
-QCoro::Task<void> SessionViewModel::startSystemAudio(SessionStartedPayload started, LiveStreams& streams) {
+QCoro::Task<std::optional<SessionViewModel::SideStreams>> SessionViewModel::startSystemAudio(
+    SessionStartedPayload started) {
     debugLog(u"Starting system audio capture..."_s);
     co_await m_systemStt->connect(*started.openaiEphemeralTokenSystem, started.openaiRealtimeUrlSystem);
     auto capture = co_await m_systemAudio->start();
@@ -255,11 +257,11 @@ QCoro::Task<void> SessionViewModel::startSystemAudio(SessionStartedPayload start
         // The call goes on with the microphone alone.
         debugLog(u"System audio failed (mic-only): "_s + capture.error().debugDescription());
         setErrorMessage(u"System audio: "_s + capture.error().errorDescription() + u" (mic-only mode)"_s);
-        co_return;
+        co_return std::nullopt;
     }
-    streams.system = std::move(*capture);
-    streams.systemEvents = m_systemStt->events();
+    SideStreams streams{.audio = std::move(*capture), .events = m_systemStt->events()};
     debugLog(u"System audio STT connected"_s);
+    co_return streams;
 }
 
 QCoro::Task<void> SessionViewModel::failSession(Error error) {

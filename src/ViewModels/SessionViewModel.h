@@ -235,12 +235,10 @@ private:
 
     // SessionPipeline.cpp
 
-    /// What the live phase reads; the system side is absent without a token or a capture.
-    struct LiveStreams {
-        AsyncStream<AudioChunk> microphone;
-        AsyncStream<SttEvent> microphoneEvents;
-        std::optional<AsyncStream<AudioChunk>> system = std::nullopt;
-        std::optional<AsyncStream<SttEvent>> systemEvents = std::nullopt;
+    /// What the live phase reads of one side.
+    struct SideStreams {
+        AsyncStream<AudioChunk> audio;
+        AsyncStream<SttEvent> events;
     };
 
     /// The memory note and the call notes as they travel in the start message.
@@ -253,7 +251,8 @@ private:
     /// Empty when the server refused and the user has been told.
     QCoro::Task<std::expected<std::optional<SessionStartedPayload>, Error>> awaitSessionStarted(std::stop_token stop);
     void refuseWithoutToken();
-    QCoro::Task<void> startSystemAudio(SessionStartedPayload started, LiveStreams& streams);
+    /// Empty when there is nothing to capture and the user has been told.
+    QCoro::Task<std::optional<SideStreams>> startSystemAudio(SessionStartedPayload started);
     QCoro::Task<void> failSession(Error error);
     /// The cleanup in full, also of services that were never started, and the exit.
     QCoro::Task<void> closePipeline();
@@ -262,7 +261,8 @@ private:
     QCoro::Task<void> applyScreenShareToggle();
 
     // AudioTranscriptFlow.cpp
-    QCoro::Task<void> runLivePhase(LiveStreams streams, std::stop_token stop);
+    /// \param system absent without a token or a capture.
+    QCoro::Task<void> runLivePhase(SideStreams microphone, std::optional<SideStreams> system, std::stop_token stop);
     QCoro::Task<void> pumpMicrophone(AsyncStream<AudioChunk> stream, std::stop_token stop);
     QCoro::Task<void> pumpSystemAudio(AsyncStream<AudioChunk> stream, std::stop_token stop);
     QCoro::Task<void> readSystemEvents(AsyncStream<SttEvent> stream, std::stop_token stop);
