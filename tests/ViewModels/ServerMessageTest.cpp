@@ -330,6 +330,22 @@ TEST(ServerMessageTest, anExtensionCallOnTheSessionsOwnSocketIsTakenUp) {
     EXPECT_FALSE(session.extensionCallActive());
 }
 
+TEST(ServerMessageTest, anExtensionCallThatIsKnownIsNotDetectedAgain) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    const ExtensionContextPayload call{.entityType = u"contact"_s, .entityId = u"7"_s, .callActive = true};
+    handle(fixture, call);
+    settleAfter(fixture.clock, 1s);
+    EXPECT_EQ(session.autoStartCountdown(), 2);
+    auto renamed = call;
+    renamed.companyName = u"Acme"_s;
+    handle(fixture, renamed);
+    settle();
+    EXPECT_EQ(session.extensionContext(), renamed);
+    EXPECT_EQ(session.autoStartCountdown(), 2);
+    EXPECT_TRUE(session.extensionCallActive());
+}
+
 TEST(ServerMessageTest, theEndOfTheExtensionsCallEndsTheSession) {
     SessionFixture fixture;
     fixture.goLive();

@@ -12,6 +12,12 @@ namespace corvellan::test {
 namespace {
 
 const Error refused = TransportError{u"Connection refused"_s};
+
+/// A failure that people and logs hear of in different words.
+struct TwoVoices {
+    [[nodiscard]] static QString errorDescription() { return u"For people"_s; }
+    [[nodiscard]] static QString debugDescription() { return u"For logs"_s; }
+};
 const CallLog fullCleanup{"audio.stopMic", "stt.disconnect", "systemAudio.stop", "systemStt.disconnect",
                           "ws.disconnect"};
 
@@ -128,6 +134,17 @@ TEST(SessionPipelineTest, aSecondFailedSignInFailsTheSessionWithTheFullCleanup) 
     EXPECT_EQ((CallLog{fixture.log.begin() + 3, fixture.log.end()}), fullCleanup);
     EXPECT_TRUE(system.errors().contains(u"Session error: No such host"_s));
     EXPECT_EQ(fixture.debugLines(), (QStringList{u"ERROR: No such host"_s}));
+}
+
+TEST(SessionPipelineTest, aFailureSpeaksToThePersonAndTellsTheLogsMore) {
+    SessionFixture fixture;
+    fixture.ws->connectError = TwoVoices{};
+    const LogCapture system{u"Session"_s};
+    fixture.session().startSession();
+    settle();
+    EXPECT_EQ(fixture.error(), u"For people"_s);
+    EXPECT_EQ(system.errors(), QStringList{u"Session error: For logs"_s});
+    EXPECT_EQ(fixture.debugLines(), QStringList{u"ERROR: For logs"_s});
 }
 
 TEST(SessionPipelineTest, anInvalidUrlTouchesNoService) {
@@ -304,15 +321,15 @@ TEST(SessionPipelineTest, aFailedMicrophoneFailsTheSession) {
 
 TEST(SessionPipelineTest, aRefusedSystemCaptureLeavesASessionOnTheMicrophoneAlone) {
     SessionFixture fixture;
-    fixture.factory.systemAudio.startError = TransportError{u"No display found for audio capture"_s};
+    fixture.factory.systemAudio.startError = TwoVoices{};
     fixture.session().startSession();
     settle();
     fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
     settle();
     EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
     EXPECT_TRUE(fixture.session().isSessionActive());
-    EXPECT_EQ(fixture.error(), u"System audio: No display found for audio capture (mic-only mode)"_s);
-    EXPECT_TRUE(fixture.debugLines().contains(u"System audio failed (mic-only): No display found for audio capture"_s));
+    EXPECT_EQ(fixture.error(), u"System audio: For people (mic-only mode)"_s);
+    EXPECT_TRUE(fixture.debugLines().contains(u"System audio failed (mic-only): For logs"_s));
     EXPECT_FALSE(fixture.did("systemStt.disconnect"));
 }
 
@@ -461,6 +478,19 @@ TEST(SessionPipelineTest, aSilentSessionEndsItselfAfterALittleMoreThan120Seconds
     settleAfter(fixture.clock, 1s);
     EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 1);
     EXPECT_TRUE(system.infos().contains(u"Auto-stopping session — no transcript for 121s"_s));
+    // With that the timer has ended.
+    settleAfter(fixture.clock, 2s);
+    EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 1);
+    EXPECT_EQ(fixture.session().elapsedSeconds(), 121);
+}
+
+TEST(SessionPipelineTest, theSilenceBeforeTheSessionDoesNotCount) {
+    SessionFixture fixture;
+    fixture.session();
+    settleAfter(fixture.clock, 1h);
+    fixture.goLive();
+    settleAfter(fixture.clock, 120s);
+    EXPECT_EQ(fixture.ws->countSent<ClientMsg::EndSession>(), 0);
 }
 
 TEST(SessionPipelineTest, aSessionThatTheComputerSleptThroughEndsItself) {

@@ -202,6 +202,9 @@ TEST(SessionStateTest, theRestBaseComesFromTheSocketUrlByReplacement) {
     EXPECT_EQ(session.restBaseURL(), u"http://localhost:3001"_s);
     session.setServerURL(u"wss://host.test/ws"_s);
     EXPECT_EQ(session.restBaseURL(), u"https://host.test"_s);
+    // By replacement alone, wherever it stands.
+    session.setServerURL(u"wss://host.test/ws/v2/ws?x=1"_s);
+    EXPECT_EQ(session.restBaseURL(), u"https://host.test/v2?x=1"_s);
 }
 
 TEST(SessionStateTest, transcriptLinesAppendWithoutTouchingOthers) {

@@ -126,6 +126,15 @@ TEST(TrainingModeTest, aTipsTimerEndsWithTheSession) {
     EXPECT_EQ(fixture.session().statusText(), u"Ready"_s);
 }
 
+TEST(TrainingModeTest, aStoppedSessionIsNoTrainingAnyMore) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().stopSession();
+    settle();
+    fixture.session().handleServerMessage({tip()});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+}
+
 TEST(TrainingModeTest, aTipsTimerLeavesAnotherStageAlone) {
     SessionFixture fixture;
     fixture.goLive({.simMode = true});

@@ -29,6 +29,9 @@ TEST(TranscriptFlowTest, finishedUtterancesBecomeLinesAndMessagesOnTheirSides) {
     EXPECT_EQ(std::get<ClientMsg::Transcript>(sent.back().value),
               (ClientMsg::Transcript{.source = AudioSourceTag::system, .text = u"Hello"_s}));
     EXPECT_TRUE(fixture.debugLines().contains(u"MIC_STT:  Good morning "_s));
+    // The turn moves in training alone.
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
 }
 
 TEST(TranscriptFlowTest, aFinalOfBlanksIsDroppedOnBothSides) {
