@@ -25,7 +25,9 @@ namespace corvellan {
 
 namespace {
 
-/// How long quitting waits for what is being closed and stored.
+/// How long quitting waits for the summary of a call that was just ended.
+constexpr auto summaryPatience = 1500ms;
+/// How long it waits in all, for what is being closed and stored too.
 constexpr auto quitPatience = 2s;
 
 class AbsentHandoffWindow final : public HandoffWindowController {
@@ -160,9 +162,13 @@ void AppDelegate::quit() {
     if (std::exchange(m_parts->isQuitting, true))
         return;
     m_parts->panel->hide();
-    m_parts->viewModel->stopSession();
     static_cast<void>(CancellableTask::start([parts = m_parts.get()](std::stop_token) -> QCoro::Task<void> {
-        const auto deadline = parts->clock.now() + quitPatience;
+        const auto asked = parts->clock.now();
+        // Stopped at once, a call that was ended just before would leave no record.
+        while (parts->viewModel->isEnding() && parts->clock.now() < asked + summaryPatience)
+            co_await sleep(parts->clock, 5ms);
+        parts->viewModel->stopSession();
+        const auto deadline = asked + quitPatience;
         while (!parts->viewModel->isQuiet() && parts->clock.now() < deadline)
             co_await sleep(parts->clock, 5ms);
         QCoreApplication::exit(0);

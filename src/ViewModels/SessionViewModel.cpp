@@ -171,6 +171,10 @@ std::optional<QString> SessionViewModel::emailFromJWT(const QString& token) {
     return jwtSubject(token);
 }
 
+bool SessionViewModel::isEnding() const {
+    return m_isSessionActive && !m_endSessionTimeoutTask.isFinished();
+}
+
 bool SessionViewModel::isQuiet() const {
     return m_runningSessions == 0 && m_detachedTasks == 0;
 }

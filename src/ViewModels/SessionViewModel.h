@@ -212,6 +212,8 @@ public:
     /// Stops a running countdown to an automatic start.
     void cancelAutoStart();
 
+    /// The end was asked for, and the summary, which the record comes from, is still to come.
+    [[nodiscard]] bool isEnding() const;
     /// No session task and no short task is under way: everything started is closed and stored.
     [[nodiscard]] bool isQuiet() const;
 

@@ -546,6 +546,29 @@ TEST(SessionPipelineTest, endingTwiceSendsTwoMessagesAndLeavesOneTimeOut) {
     EXPECT_FALSE(fixture.session().isSessionActive());
 }
 
+TEST(SessionPipelineTest, isEndingFromTheAskingToTheSummaryOrTheTimeOut) {
+    SessionFixture fixture;
+    auto& session = fixture.session();
+    EXPECT_FALSE(session.isEnding());
+    session.endSession();
+    EXPECT_FALSE(session.isEnding()) << "nothing runs that could end";
+    fixture.goLive();
+    EXPECT_FALSE(session.isEnding());
+    session.endSession();
+    EXPECT_TRUE(session.isEnding());
+    fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = 60}});
+    settle();
+    EXPECT_FALSE(session.isEnding());
+
+    fixture.goLive();
+    EXPECT_FALSE(session.isEnding());
+    session.endSession();
+    settleAfter(fixture.clock, 3s - 1ns);
+    EXPECT_TRUE(session.isEnding());
+    settleAfter(fixture.clock, 1ns);
+    EXPECT_FALSE(session.isEnding());
+}
+
 TEST(SessionPipelineTest, aFailedEndMessageIsOnlyLogged) {
     SessionFixture fixture;
     fixture.goLive();
