@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <QSignalSpy>
 
 #include "FakeHandoffWindow.h"
@@ -276,6 +277,40 @@ TEST_F(CoachingOverlayViewTest, endSessionAsksTheServerToFinish) {
     settle();
     ASSERT_FALSE(fixture.ws->sent.empty());
     EXPECT_TRUE(std::holds_alternative<ClientMsg::EndSession>(fixture.ws->sent.back().value));
+}
+
+TEST_F(CoachingOverlayViewTest, everyPropertyThatItReadsIsShownAnew) {
+    using View = CoachingOverlayView;
+    const auto tells = [this](void (View::*signal)(), const std::function<void()>& change) {
+        QSignalSpy told{&view, signal};
+        change();
+        return told.count() > 0;
+    };
+    EXPECT_TRUE(tells(&View::messageChanged, [this] { session.setStatusText(u"Listening..."_s); }));
+    EXPECT_TRUE(tells(&View::messageChanged, [this] { session.setCoachingMessage(u"Ask"_s); }));
+    EXPECT_TRUE(tells(&View::tipKindChanged, [this] { session.setCoachingType(CoachingType::listen); }));
+    EXPECT_TRUE(tells(&View::tipKindChanged, [this] { session.setCoachingUrgency(CoachingUrgency::high); }));
+    EXPECT_TRUE(tells(&View::productHintChanged, [this] { session.setProductHint(u"Plan"_s); }));
+    EXPECT_TRUE(tells(&View::modeChanged, [this] { session.setCoachingMode(AudienceType::coldCall); }));
+    EXPECT_TRUE(tells(&View::stageChanged, [this] { session.setCallStage(CallStage::demo); }));
+    EXPECT_TRUE(tells(&View::phaseChanged, [this] { session.setCallPhase(u"intro"_s); }));
+    EXPECT_TRUE(tells(&View::scoreChanged, [this] { session.setMeddicScore({.champion = true}); }));
+    EXPECT_TRUE(tells(&View::buyerChanged, [this] { session.setBuyerDisc({.discType = DiscType::steady}); }));
+    EXPECT_TRUE(tells(&View::moodChanged, [this] { session.setSentiment(CustomerSentiment::eager); }));
+    EXPECT_TRUE(tells(&View::companyChanged, [this] { session.setCurrentCompany(u"Nordwind"_s); }));
+    EXPECT_TRUE(tells(&View::companyChanged, [this] { session.setCrmBrief(u"240 devices"_s); }));
+    EXPECT_TRUE(tells(&View::briefTextChanged, [this] { session.setCrmBrief(u"250 devices"_s); }));
+    EXPECT_TRUE(tells(&View::companyChanged, [this] { session.setCachedHandoff(HandoffResponse{}); }));
+    EXPECT_TRUE(tells(&View::speakingChanged, [this] { session.setIsTtsPlaying(true); }));
+    EXPECT_TRUE(tells(&View::errorMessageChanged, [this] { session.setErrorMessage(u"Broken"_s); }));
+    EXPECT_TRUE(tells(&View::fsChanged, [this] { session.setFontScale(1.0); }));
+
+    // And the rows of the checklist tell of themselves.
+    QSignalSpy rows{view.checklist(), &QAbstractItemModel::dataChanged};
+    session.setMeddicEvidence({u"quote"_s});
+    EXPECT_EQ(rows.count(), 1);
+    session.setMeddicJustConfirmed(2);
+    EXPECT_EQ(rows.count(), 2);
 }
 
 TEST_F(CoachingOverlayViewTest, theTextScaleIsTheSessions) {
