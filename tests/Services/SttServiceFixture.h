@@ -10,6 +10,7 @@
 #include "Services/SttService.h"
 #include "Support/LogCapture.h"
 #include "Support/LoopbackServer.h"
+#include "Support/RawServer.h"
 #include "Support/StreamReader.h"
 #include "Support/TestLoop.h"
 
@@ -75,6 +76,14 @@ protected:
         clock.advance(1s);
         complete(stt->connect(u"ek_mic"_s, provider.url(u"/v1/realtime?intent=transcription"_s).toString()));
         ASSERT_TRUE(spinUntil([&] { return provider.texts().size() == 1; }));
+    }
+
+    /// As `connect`, to a provider that shows frames as they come.
+    void connectRaw(RawServer& raw) {
+        ASSERT_TRUE(raw.listen());
+        clock.advance(1s);
+        complete(stt->connect(u"ek_mic"_s, raw.url().toString()));
+        ASSERT_TRUE(spinUntil([&] { return raw.texts().size() == 1; }));
     }
 
     /// Events from now on: the stream is installed when this returns.

@@ -5,9 +5,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <QByteArray>
 #include <QCryptographicHash>
 #include <QList>
+#include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
@@ -56,6 +58,23 @@ public:
             found += frame.opcode == opcode ? 1 : 0;
         return found;
     }
+    /// The texts that came as one frame each.
+    [[nodiscard]] QStringList texts() const {
+        QStringList texts;
+        for (const Frame& frame : m_frames)
+            if (frame.opcode == textOpcode)
+                texts.append(QString::fromUtf8(frame.payload));
+        return texts;
+    }
+    /// What the close frame held; absent as long as none has come.
+    [[nodiscard]] std::optional<QByteArray> closePayload() const {
+        for (const Frame& frame : m_frames)
+            if (frame.opcode == closeOpcode)
+                return frame.payload;
+        return std::nullopt;
+    }
+    /// Code 1000 and no reason.
+    static inline const QByteArray normalClose{"\x03\xe8"};
     [[nodiscard]] qint64 bytesToWrite() const { return m_client->bytesToWrite(); }
 
     void write(const QByteArray& bytes) {
