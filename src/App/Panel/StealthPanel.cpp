@@ -17,6 +17,7 @@
 namespace corvellan {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -26,6 +27,9 @@ constexpr Qt::WindowFlags idleFlags =
 constexpr Qt::WindowFlags callFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 
 constexpr QPoint firstOrigin{100, 100};
+
+// A window manager has long answered by then, or never will.
+constexpr auto settlingTime = 1s;
 
 }  // namespace
 
@@ -46,6 +50,9 @@ StealthPanel::StealthPanel(const Parts& parts)
     : m_content(std::make_unique<Content>(parts)),
       m_preferences(parts.preferences),
       m_captureHiding(parts.captureHiding) {
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(settlingTime);
+    connect(&m_settling, &QTimer::timeout, this, [this] { m_asked.reset(); });
     setTitle(u"Corvellan Bram"_s);
     // A window that is opaque when it is made stays so for good; the idle face paints its own ground.
     setColor(Qt::transparent);
@@ -75,23 +82,25 @@ CoachingOverlayView& StealthPanel::overlay() {
 }
 
 void StealthPanel::enterCallMode() {
-    const QRect frame = frameGeometry();
+    const QRect present = frame();
+    if (const QMargins margins = frameMargins(); m_face == Face::idle && !margins.isNull())
+        m_idleMargins = margins;
     m_face = Face::call;
     setFlags(callFlags);
     applyStealth(m_isStealthEnabled);
-    place(panel::callSize, Sizing::fixed, frame);
+    place(panel::callSize, Sizing::fixed, present);
 }
 
 void StealthPanel::enterIdleMode() {
-    const QRect frame = frameGeometry();
+    const QRect present = frame();
     m_face = Face::idle;
     setFlags(idleFlags);
     applyStealth(false);
-    place(panel::idleSize, Sizing::resizable, frame);
+    place(panel::idleSize, Sizing::resizable, present);
 }
 
 void StealthPanel::setSessionMode(const QString& mode) {
-    place(panel::sessionSize(mode, m_preferences.number(u"fontScale"_s)), Sizing::fixed, frameGeometry());
+    place(panel::sessionSize(mode, m_preferences.number(u"fontScale"_s)), Sizing::fixed, frame());
 }
 
 void StealthPanel::setStealth(bool isEnabled) {
@@ -129,13 +138,24 @@ bool StealthPanel::event(QEvent* event) {
         Q_EMIT closedByUser();
         return true;
     }
-    return QQuickView::event(event);
+    const bool isTaken = QQuickView::event(event);
+    forgetWhatCame();
+    return isTaken;
+}
+
+void StealthPanel::forgetWhatCame() {
+    if (m_asked && *m_asked == frameGeometry())
+        m_asked.reset();
+}
+
+QRect StealthPanel::frame() const {
+    return m_asked.value_or(frameGeometry());
 }
 
 const QScreen* StealthPanel::itsScreen() const {
     // By its place: the platform names another screen only when the window has got there, and a face
     // change in the meantime would send it back.
-    if (const QScreen* const there = QGuiApplication::screenAt(frameGeometry().center()))
+    if (const QScreen* const there = QGuiApplication::screenAt(frame().center()))
         return there;
     return screen() ? screen() : QGuiApplication::primaryScreen();
 }
@@ -149,18 +169,27 @@ void StealthPanel::applyStealth(bool isHidden) {
     m_captureVisibility = m_captureHiding.setHidden(*this, isHidden);
 }
 
-void StealthPanel::place(QSize size, Sizing sizing, QRect frame) {
+void StealthPanel::place(QSize size, Sizing sizing, QRect present) {
     setMinimumSize(sizing == Sizing::fixed ? size : panel::idleMinimumSize);
     setMaximumSize(sizing == Sizing::fixed ? size : panel::idleMaximumSize);
     resize(size);
-    setFramePosition(panel::centeredOrigin(size, frame, availableGeometry()));
+    const QSize framed = m_face == Face::idle ? size.grownBy(m_idleMargins) : size;
+    moveFrame({panel::centeredOrigin(framed, present, availableGeometry()), framed});
 }
 
 void StealthPanel::moveToActiveScreen() {
     const QScreen* const active = QGuiApplication::screenAt(QCursor::pos());
     if (!active || active == itsScreen())
         return;
-    setFramePosition(panel::middleOrigin(size(), active->availableGeometry()));
+    const QSize framed = frame().size();
+    moveFrame({panel::middleOrigin(framed, active->availableGeometry()), framed});
+}
+
+void StealthPanel::moveFrame(QRect asked) {
+    m_asked = asked;
+    m_settling.start();
+    setFramePosition(asked.topLeft());
+    forgetWhatCame();
 }
 
 }  // namespace corvellan

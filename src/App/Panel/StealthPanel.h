@@ -2,8 +2,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <QMargins>
 #include <QQuickView>
+#include <QRect>
 #include <QString>
+#include <QTimer>
 
 #include "Platform/CaptureHiding.h"
 
@@ -76,14 +80,25 @@ private:
     [[nodiscard]] const QScreen* itsScreen() const;
     [[nodiscard]] std::optional<QRect> availableGeometry() const;
     void applyStealth(bool isHidden);
-    void place(QSize size, Sizing sizing, QRect frame);
+    /// The window with what the window manager puts round it, as it was asked for last. What the platform
+    /// reads while the window manager is at work mixes the place of one face with the title bar of the
+    /// other, and a face change in the meantime would shift the window by that bar.
+    [[nodiscard]] QRect frame() const;
+    void place(QSize size, Sizing sizing, QRect present);
     void moveToActiveScreen();
+    void moveFrame(QRect asked);
+    void forgetWhatCame();
 
     struct Content;
     std::unique_ptr<Content> m_content;
     const Preferences& m_preferences;
     CaptureHiding& m_captureHiding;
     Face m_face = Face::idle;
+    /// The idle face's title bar and borders, as far as they are known.
+    QMargins m_idleMargins;
+    /// Absent once the window is there, or was given the time to be.
+    std::optional<QRect> m_asked;
+    QTimer m_settling;
     bool m_isStealthEnabled = false;
     CaptureVisibility m_captureVisibility = CaptureVisibility::visible;
 };

@@ -59,6 +59,48 @@ TEST_F(PanelOnScreenTest, aFaceChangeKeepsTheCentreAndTheTopEdge) {
     EXPECT_TRUE(hangsWhere(before, 2)) << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
 }
 
+TEST_F(PanelOnScreenTest, manyCallsLeaveTheWindowWhereItWas) {
+    panel.setFramePosition({400, 300});
+    ASSERT_TRUE(spinUntil([&] { return panel.frameGeometry().topLeft() == QPoint(400, 300); }));
+    const QRect before = panel.frameGeometry();
+    for (int call = 0; call < 5; ++call) {
+        // As a session's late exit comes right before the next one's beginning.
+        panel.enterIdleMode();
+        panel.enterCallMode();
+        ASSERT_TRUE(settlesAt({700, 350}, false));
+        EXPECT_TRUE(hangsWhere(before, 1)) << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
+        panel.enterIdleMode();
+        ASSERT_TRUE(settlesAt({680, 520}, true));
+        EXPECT_TRUE(spinUntil([&] { return panel.frameGeometry() == before; }))
+            << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
+    }
+}
+
+TEST_F(PanelOnScreenTest, aCallThatEndsAsItBeginsLeavesTheWindowWhereItWas) {
+    panel.setFramePosition({400, 300});
+    ASSERT_TRUE(spinUntil([&] { return panel.frameGeometry().topLeft() == QPoint(400, 300); }));
+    const QRect before = panel.frameGeometry();
+    for (int call = 0; call < 5; ++call) {
+        panel.enterCallMode();
+        panel.enterIdleMode();
+    }
+    ASSERT_TRUE(settlesAt({680, 520}, true));
+    EXPECT_TRUE(spinUntil([&] { return panel.frameGeometry() == before; }))
+        << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
+}
+
+TEST_F(PanelOnScreenTest, whereTheUserPutItIsWhereTheNextFaceHangs) {
+    panel.enterCallMode();
+    ASSERT_TRUE(settlesAt({700, 350}, false));
+    // Moved by the window manager, as a user's dragging is.
+    panel.setFramePosition({150, 450});
+    ASSERT_TRUE(spinUntil([&] { return panel.frameGeometry().topLeft() == QPoint(150, 450); }));
+    const QRect before = panel.frameGeometry();
+    panel.enterIdleMode();
+    ASSERT_TRUE(settlesAt({680, 520}, true));
+    EXPECT_TRUE(hangsWhere(before, 1)) << panel.frameGeometry().x() << ", " << panel.frameGeometry().y();
+}
+
 TEST_F(PanelOnScreenTest, aLayoutThatGrowsNearTheEdgeStaysOnTheScreen) {
     const QRect available = panel.screen()->availableGeometry();
     panel.enterCallMode();
