@@ -21,7 +21,7 @@ std::optional<TokenGrant> TokenBook::redeem(const QString& token) {
     const auto found = m_grants.find(token);
     if (found == m_grants.end())
         return std::nullopt;
-    const TokenGrant grant = *found;
+    TokenGrant grant = *found;
     m_grants.erase(found);
     return grant;
 }

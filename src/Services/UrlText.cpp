@@ -5,7 +5,7 @@ namespace corvellan {
 using namespace Qt::StringLiterals;
 
 QString urlForLog(const QUrl& url) {
-    const QString text = url.toString(QUrl::FullyEncoded);
+    QString text = url.toString(QUrl::FullyEncoded);
     if (!url.hasQuery())
         return text;
     const qsizetype queryStart = text.indexOf(u'?') + 1;

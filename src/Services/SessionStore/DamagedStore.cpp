@@ -38,7 +38,7 @@ QString freePath(const QString& path, WallTime now) {
 }  // namespace
 
 std::optional<QString> setAside(const QString& path, WallTime now) {
-    const QString target = freePath(path, now);
+    QString target = freePath(path, now);
     for (const auto& part : parts) {
         // `rename` refuses to overwrite.
         if (QFileInfo::exists(path + part) && !QFile::rename(path + part, target + part))
