@@ -1,6 +1,8 @@
 #include "ScreenDriver.h"
 
 #include <QAccessible>
+#include <QCoreApplication>
+#include <QKeyEvent>
 
 namespace corvellan::test {
 
@@ -129,6 +131,14 @@ bool ScreenDriver::wasSessionEnded() const {
     settle();
     const auto& sent = m_world->fixture.ws->sent;
     return !sent.empty() && std::holds_alternative<ClientMsg::EndSession>(sent.back().value);
+}
+
+void ScreenDriver::repeatKey(QObject* window, int key) {
+    constexpr bool isAutoRepeat = true;
+    for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent event{type, key, Qt::NoModifier, QString{}, isAutoRepeat};
+        QCoreApplication::sendEvent(window, &event);
+    }
 }
 
 bool ScreenDriver::pressThroughAccessibility(QObject* item) {

@@ -54,6 +54,8 @@ public:
     Q_INVOKABLE [[nodiscard]] int connectionsAsked() const;
     Q_INVOKABLE [[nodiscard]] int handoffsShown() const;
     Q_INVOKABLE [[nodiscard]] bool wasSessionEnded() const;
+    /// What comes while a key is held.
+    Q_INVOKABLE void repeatKey(QObject* window, int key);
     /// The accessibility interface's own view of `item`: presses it as a screen reader does.
     Q_INVOKABLE bool pressThroughAccessibility(QObject* item);
 

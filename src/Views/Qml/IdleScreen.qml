@@ -9,6 +9,8 @@ FocusScope {
     required property IdleView idle
     required property Theme theme
 
+    focus: true
+
     ColumnLayout {
         anchors.centerIn: parent
         width: Math.min(parent.width - 64, 460)

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Corvellan.Views
 
 /// A button without a frame of its own: text, or any other content.
-T.AbstractButton {
+PressButton {
     id: root
 
     required property Theme theme
@@ -14,16 +13,6 @@ T.AbstractButton {
     implicitHeight: Math.max(implicitContentHeight + topPadding + bottomPadding, theme.hitTarget)
     leftPadding: 8
     rightPadding: 8
-    focusPolicy: Qt.StrongFocus
-    hoverEnabled: true
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
-
-    Accessible.role: Accessible.Button
-    Accessible.name: root.text
-    // A press that comes through accessibility does not emit `clicked` by itself.
-    Accessible.onPressAction: root.clicked()
 
     contentItem: ReadOut {
         theme: root.theme
@@ -40,10 +29,5 @@ T.AbstractButton {
         color: Qt.alpha(root.theme.white, root.down ? 0.14 : root.hovered && root.enabled ? 0.08 : 0)
         border.width: root.visualFocus ? 2 : 0
         border.color: root.theme.focusRing
-    }
-
-    HoverHandler {
-        enabled: root.enabled
-        cursorShape: Qt.PointingHandCursor
     }
 }

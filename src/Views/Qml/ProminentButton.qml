@@ -1,10 +1,9 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Corvellan.Views
 
 /// The one button that a screen is about.
-T.AbstractButton {
+PressButton {
     id: root
 
     required property Theme theme
@@ -15,16 +14,7 @@ T.AbstractButton {
     implicitHeight: 44
     leftPadding: 22
     rightPadding: 24
-    focusPolicy: Qt.StrongFocus
-    hoverEnabled: true
     opacity: enabled ? 1 : 0.4
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
-
-    Accessible.role: Accessible.Button
-    Accessible.name: root.text
-    Accessible.onPressAction: root.clicked()
 
     contentItem: RowLayout {
         spacing: 8
@@ -58,10 +48,5 @@ T.AbstractButton {
             border.color: root.theme.focusRing
             visible: root.visualFocus
         }
-    }
-
-    HoverHandler {
-        enabled: root.enabled
-        cursorShape: Qt.PointingHandCursor
     }
 }

@@ -77,6 +77,37 @@ TestCase {
         verify(driver.isSessionActive());
     }
 
+    function test_theStartHasTheKeyboardWithoutATab_data() {
+        return [{ tag: "space", key: Qt.Key_Space }, { tag: "return", key: Qt.Key_Return }];
+    }
+
+    function test_theStartHasTheKeyboardWithoutATab(data) {
+        const screen = make();
+        verify(findChild(screen, "startCoaching").activeFocus);
+        keyClick(data.key);
+        verify(driver.isSessionActive());
+        tryVerify(() => findChild(screen, "endSession") !== null);
+        keyClick(data.key);
+        verify(!driver.wasSessionEnded(), "ending takes a Tab first");
+        driver.stopCall();
+        tryVerify(() => findChild(screen, "startCoaching") !== null);
+        verify(findChild(screen, "startCoaching").activeFocus);
+    }
+
+    function test_aHeldKeyStartsNothing_data() {
+        return [{ tag: "return", key: Qt.Key_Return }, { tag: "enter", key: Qt.Key_Enter },
+                { tag: "space", key: Qt.Key_Space }];
+    }
+
+    function test_aHeldKeyStartsNothing(data) {
+        const screen = make();
+        verify(findChild(screen, "startCoaching").activeFocus);
+        // As from a key that has ended the last call and is still down.
+        for (let i = 0; i < 3; ++i)
+            driver.repeatKey(screen.Window.window, data.key);
+        verify(!driver.isSessionActive());
+    }
+
     function test_startCoachingIsDisabledWhileAStartIsOnItsWay() {
         driver.holdConnecting();
         const screen = make();
