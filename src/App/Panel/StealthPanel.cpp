@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QQmlEngine>
 #include <QScreen>
 
@@ -138,9 +139,35 @@ bool StealthPanel::event(QEvent* event) {
         Q_EMIT closedByUser();
         return true;
     }
-    const bool isTaken = QQuickView::event(event);
+    const bool isTaken = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease
+                             ? keyEvent(static_cast<QKeyEvent&>(*event))
+                             : QQuickView::event(event);
     forgetWhatCame();
     return isTaken;
+}
+
+bool StealthPanel::keyEvent(QKeyEvent& event) {
+    const KeyInstant instant{event.nativeScanCode(), event.timestamp()};
+    if (event.type() == QEvent::KeyRelease) {
+        m_lastRelease = instant;
+    } else if (!event.isAutoRepeat() && m_lastRelease == instant) {
+        constexpr bool isAutoRepeat = true;
+        QKeyEvent repeat{event.type(),
+                         event.key(),
+                         event.modifiers(),
+                         event.nativeScanCode(),
+                         event.nativeVirtualKey(),
+                         event.nativeModifiers(),
+                         event.text(),
+                         isAutoRepeat,
+                         static_cast<quint16>(event.count()),
+                         event.device()};
+        repeat.setTimestamp(event.timestamp());
+        const bool isTaken = QQuickView::event(&repeat);
+        event.setAccepted(repeat.isAccepted());
+        return isTaken;
+    }
+    return QQuickView::event(&event);
 }
 
 void StealthPanel::forgetWhatCame() {

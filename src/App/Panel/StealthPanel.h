@@ -11,6 +11,8 @@
 
 #include "Platform/CaptureHiding.h"
 
+class QKeyEvent;
+
 namespace corvellan {
 
 class CoachingOverlayView;
@@ -79,6 +81,10 @@ private:
     /// Null when there is none at all.
     [[nodiscard]] const QScreen* itsScreen() const;
     [[nodiscard]] std::optional<QRect> availableGeometry() const;
+    /// Marks the repeats of a held key, which X11 tells of as of a key that is let go and pressed again in
+    /// the same instant; Qt finds only some of them. A key that has ended a call, still held, would
+    /// begin the next.
+    bool keyEvent(QKeyEvent& event);
     void applyStealth(bool isHidden);
     /// The window with what the window manager puts round it, as it was asked for last. What the platform
     /// reads while the window manager is at work mixes the place of one face with the title bar of the
@@ -88,6 +94,12 @@ private:
     void moveToActiveScreen();
     void moveFrame(QRect asked);
     void forgetWhatCame();
+
+    struct KeyInstant {
+        quint32 scanCode = 0;
+        quint64 timestamp = 0;
+        bool operator==(const KeyInstant&) const = default;
+    };
 
     struct Content;
     std::unique_ptr<Content> m_content;
@@ -99,6 +111,7 @@ private:
     /// Absent once the window is there, or was given the time to be.
     std::optional<QRect> m_asked;
     QTimer m_settling;
+    std::optional<KeyInstant> m_lastRelease;
     bool m_isStealthEnabled = false;
     CaptureVisibility m_captureVisibility = CaptureVisibility::visible;
 };

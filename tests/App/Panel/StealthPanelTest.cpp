@@ -1,5 +1,7 @@
 #include "App/Panel/StealthPanel.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QQuickItem>
 #include <QSignalSpy>
 
@@ -23,6 +25,29 @@ TEST_F(StealthPanelTest, beginsInTheIdleFaceWithItsContent) {
     EXPECT_EQ(panel.maximumSize(), QSize(900, 700));
     EXPECT_FALSE(panel.flags() & Qt::FramelessWindowHint);
     EXPECT_FALSE(panel.flags() & Qt::WindowMinimizeButtonHint);
+}
+
+TEST_F(StealthPanelTest, aKeyHeldSinceTheLastFaceStartsNothing) {
+    panel.makeKeyAndOrderFront();
+    ASSERT_TRUE(spinUntil(
+        [&] { return panel.activeFocusItem() && panel.activeFocusItem()->objectName() == u"startCoaching"_s; }));
+    const auto send = [this](QEvent::Type type, quint64 timestamp) {
+        constexpr quint32 returnCode = 36;
+        QKeyEvent event{type, Qt::Key_Return, Qt::NoModifier, returnCode, 0, 0};
+        event.setTimestamp(timestamp);
+        QCoreApplication::sendEvent(&panel, &event);
+        settle();
+    };
+    // As X11 tells of it: let go and pressed again in the same instant.
+    for (quint64 instant = 1000; instant < 1200; instant += 40) {
+        send(QEvent::KeyRelease, instant);
+        send(QEvent::KeyPress, instant);
+    }
+    EXPECT_FALSE(fixture.session().isSessionActive());
+
+    send(QEvent::KeyRelease, 1300);
+    send(QEvent::KeyPress, 1400);
+    EXPECT_TRUE(fixture.session().isSessionActive());
 }
 
 TEST_F(StealthPanelTest, isTranslucentFromTheStart) {
