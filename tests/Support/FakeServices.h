@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "CallLog.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
@@ -17,32 +18,6 @@
 /// Stand-ins for the services at the line that `Services/Protocols` draws. They live on the main
 /// thread, do at once what they are asked, keep a record of it, and can be told to fail.
 namespace corvellan::test {
-
-/// The calls of all fakes of one session, in order: "ws.connect", "audio.stopMic", ...
-using CallLog = std::vector<std::string>;
-
-/// A gate that an asked operation waits at until the test opens it. Open from the start.
-class Gate {
-public:
-    void close() { m_isOpen = false; }
-    void open() {
-        m_isOpen = true;
-        for (auto& waiter : std::exchange(m_waiters, {}))
-            waiter.finish();
-    }
-    QCoro::Task<void> pass() {
-        if (m_isOpen)
-            co_return;
-        auto [stream, producer] = AsyncStream<int>::make();
-        m_waiters.push_back(producer);
-        const auto keep = stream;
-        static_cast<void>(co_await keep.next());
-    }
-
-private:
-    bool m_isOpen = true;
-    std::vector<AsyncStream<int>::Producer> m_waiters;
-};
 
 class FakeWebSocket final : public WebSocketServiceProtocol {
 public:
