@@ -1,0 +1,1 @@
+corvellan_fuzz(UpdateFeed LINK Corvellan::Shell)
