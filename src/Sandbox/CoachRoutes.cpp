@@ -10,6 +10,7 @@
 
 #include "CallBook.h"
 #include "ProviderServer.h"
+#include "UpdatePages.h"
 
 namespace corvellan::sandbox {
 
@@ -58,7 +59,8 @@ QHttpServerResponse listCalls(const CallBook& calls, const QHttpServerRequest& r
 
 }  // namespace
 
-void addCoachRoutes(QHttpServer& http, const CallBook& calls, const ProviderServer& provider) {
+void addCoachRoutes(QHttpServer& http, const CallBook& calls, const ProviderServer& provider,
+                    const QString& feedVersion) {
     http.route(u"/health"_s, [] { return QHttpServerResponse{QJsonObject{{u"status"_s, u"ok"_s}}}; });
     http.route(u"/calls"_s, QHttpServerRequest::Method::Get,
                [&calls](const QHttpServerRequest& request) { return listCalls(calls, request); });
@@ -69,6 +71,13 @@ void addCoachRoutes(QHttpServer& http, const CallBook& calls, const ProviderServ
     });
     http.route(u"/sandbox/audio"_s, QHttpServerRequest::Method::Get,
                [&provider] { return QHttpServerResponse{audioFigures(provider)}; });
+    http.route(u"/appcast.xml"_s, QHttpServerRequest::Method::Get, [feedVersion](const QHttpServerRequest& request) {
+        // The page is where the feed is, under the name that the client knows.
+        const QUrl page = request.url().resolved(QUrl{u"/download"_s});
+        return QHttpServerResponse{"application/rss+xml", updateFeed(feedVersion, page.toString(QUrl::FullyEncoded))};
+    });
+    http.route(u"/download"_s, QHttpServerRequest::Method::Get,
+               [feedVersion] { return QHttpServerResponse{"text/html; charset=utf-8", downloadPage(feedVersion)}; });
 }
 
 }  // namespace corvellan::sandbox

@@ -34,7 +34,8 @@ QString helpText() {
            u"  --coach-port N             the coach's port, 0 for a free one (3001)\n"
            u"  --stt-port N               the provider's port, 0 for a free one (3003)\n"
            u"  --keep-audio DIR           keep what was received: DIR/<session>/mic.wav and system.wav\n"
-           u"  --close-after MS           from the summary to the close (500)\n\n"
+           u"  --close-after MS           from the summary to the close (500)\n"
+           u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n\n"
            u"Misbehaviour, each repeatable:\n"
            u"  --fault NAME\n      "_s +
            Faults::help().join(u"\n      "_s) +
@@ -133,6 +134,7 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
         {u"stt-port"_s, {}, u"port"_s, u"3003"_s},
         {u"keep-audio"_s, {}, u"folder"_s},
         {u"close-after"_s, {}, u"ms"_s, u"500"_s},
+        {u"update"_s, {}, u"version"_s},
         {u"fault"_s, {}, u"name"_s},
         {u"proxy"_s, {}, u"mode"_s},
     });
@@ -155,6 +157,8 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
     serve.options.providerPort = static_cast<quint16>(*providerPort);
     serve.options.closeAfter = std::chrono::milliseconds{*closeAfter};
     serve.options.keepAudioFolder = parser.value(u"keep-audio"_s);
+    if (parser.isSet(u"update"_s))
+        serve.options.feedVersion = parser.value(u"update"_s);
     for (const auto& name : parser.values(u"fault"_s))
         if (const auto added = serve.options.faults.add(name); !added)
             return Bad{u"--fault: "_s + added.error()};

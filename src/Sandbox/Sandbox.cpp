@@ -34,7 +34,7 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
                .calls = m_calls,
                .log = log,
                .clock = clock}) {
-    addCoachRoutes(m_coach.http(), m_calls, m_provider);
+    addCoachRoutes(m_coach.http(), m_calls, m_provider, options.feedVersion.value_or(QStringLiteral(SANDBOX_VERSION)));
 }
 
 std::expected<std::unique_ptr<Sandbox>, Error> Sandbox::start(SandboxOptions options, Clock& clock,

@@ -24,6 +24,8 @@ struct SandboxOptions {
     UtteranceTextsMaker texts = lengthTexts();
     QString keepAudioFolder;
     std::chrono::milliseconds closeAfter{500};
+    /// What the feed of new versions announces; the version of this build unless given.
+    std::optional<QString> feedVersion;
     Faults faults;
     std::optional<WireFault> coachWire;
     std::optional<WireFault> providerWire;

@@ -38,6 +38,7 @@ TEST(CommandLineTest, servesOnTheUsualPortsByDefault) {
     EXPECT_EQ(command.options.closeAfter, std::chrono::milliseconds{500});
     EXPECT_TRUE(command.options.keepAudioFolder.isEmpty());
     EXPECT_FALSE(command.options.coachWire);
+    EXPECT_FALSE(command.options.feedVersion);
     EXPECT_TRUE(command.texts.contains(u"--transcriber 'CMD {wav}'"_s));
 }
 
@@ -59,6 +60,11 @@ TEST(CommandLineTest, takesFaultsAndProxies) {
     EXPECT_EQ(both.coachWire->amount, 7);
 }
 
+TEST(CommandLineTest, announcesWhateverVersionIsAskedFor) {
+    EXPECT_EQ(serve({u"--update"_s, u"9.0"_s}).options.feedVersion, u"9.0"_s);
+    EXPECT_EQ(serve({u"--update"_s, QString{}}).options.feedVersion, QString{});
+}
+
 TEST(CommandLineTest, takesAShippedScriptByItsName) {
     EXPECT_EQ(serve({u"--script"_s, u"discovery-call"_s}).texts,
               u"texts from the script discovery-call, 22 lines, 113 s"_s);
@@ -68,8 +74,8 @@ TEST(CommandLineTest, helpsInWords) {
     const auto command = parseCommandLine({u"--help"_s});
     ASSERT_TRUE(command);
     const QString& help = std::get<sandbox::HelpCommand>(*command).text;
-    for (const auto& word : {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"refuse-token"_s,
-                             u"half-open"_s, u"close-at-step-N"_s})
+    for (const auto& word : {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"--update"_s,
+                             u"refuse-token"_s, u"half-open"_s, u"close-at-step-N"_s})
         EXPECT_TRUE(help.contains(word)) << word.toStdString();
 }
 

@@ -99,10 +99,11 @@ protected:
     }
 
     /// The body of a REST answer. Over a bare socket, since Qt's own HTTP client brings threads along.
-    [[nodiscard]] QJsonDocument get(const QString& path, int expectedStatus = 200) {
+    [[nodiscard]] QByteArray getBody(const QString& path, int expectedStatus = 200) {
         QTcpSocket socket;
         socket.connectToHost(QHostAddress{u"127.0.0.1"_s}, box->coachPort());
-        socket.write("GET " + path.toLatin1() + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+        socket.write("GET " + path.toLatin1() + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(box->coachPort()) +
+                     "\r\n\r\n");
         QByteArray answer;
         qsizetype bodyAt = -1;
         EXPECT_TRUE(spinUntil([&] {
@@ -119,7 +120,10 @@ protected:
         if (bodyAt < 0)
             return {};
         EXPECT_EQ(answer.split(' ').value(1).toInt(), expectedStatus);
-        return QJsonDocument::fromJson(answer.sliced(bodyAt));
+        return answer.sliced(bodyAt);
+    }
+    [[nodiscard]] QJsonDocument get(const QString& path, int expectedStatus = 200) {
+        return QJsonDocument::fromJson(getBody(path, expectedStatus));
     }
 
     [[nodiscard]] bool logs(const QString& text) const {
