@@ -14,6 +14,7 @@
 #include "Models/MemoryStore.h"
 #include "Platform/Linux/PulseAudioInputs.h"
 #include "Platform/OwnSpeech.h"
+#include "Services/HttpClient.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
 #include "ViewModels/SessionViewModel.h"
 #include "Views/HandoffWindowController.h"
@@ -46,12 +47,14 @@ struct AppDelegate::Parts {
     EventLoopExecutor main;
     SystemClock clock;
     WorkerThread live{"corvellan-live"};
+    WorkerThread network{"corvellan-net"};
     WorkerThread worker{"corvellan-work"};
     DebugLog debugLog{QDir::homePath() + u"/corvellan-debug.log"_s, clock};
     Diagnostics diagnostics;
     SettingsPreferences preferences{SettingsPreferences::defaultPath()};
     OwnSpeech ownSpeech;
     PulseAudioInputs audioInputs{clock, ownSpeech};
+    HttpClient http{network.executor(), clock};
     AppServices services{live.executor(), clock, audioInputs, diagnostics};
     AbsentHandoffWindow handoffWindow;
     NoCaptureHiding captureHiding;
@@ -77,6 +80,7 @@ AppDelegate::AppDelegate(MonotonicTime launchedAt) : m_parts(std::make_unique<Pa
             .debugLog = m_parts->debugLog,
             .diagnostics = m_parts->diagnostics,
             .services = m_parts->services,
+            .http = m_parts->http,
             .productionUrl = deployment::coachUrl(),
             .chatUrl = deployment::chatUrl(),
             .clientVersion = deployment::version(),
@@ -168,6 +172,7 @@ void AppDelegate::quit() {
         while (parts->viewModel->isEnding() && parts->clock.now() < asked + summaryPatience)
             co_await sleep(parts->clock, 5ms);
         parts->viewModel->stopSession();
+        parts->viewModel->stopSensorPolling();
         const auto deadline = asked + quitPatience;
         while (!parts->viewModel->isQuiet() && parts->clock.now() < deadline)
             co_await sleep(parts->clock, 5ms);

@@ -11,6 +11,8 @@ namespace corvellan {
 
 namespace {
 
+constexpr std::chrono::seconds restTimeout{60};
+
 ServerMode serverMode(const std::optional<QString>& stored) {
     if (stored == u"local")
         return ServerMode::local;
@@ -158,6 +160,12 @@ QString SessionViewModel::restBaseURL() const {
     return base.replace("ws://"_L1, "http://"_L1).replace("wss://"_L1, "https://"_L1).remove("/ws"_L1);
 }
 
+HttpRequest SessionViewModel::restRequest(const QString& path, const QString& token) const {
+    return {.url = QUrl{restBaseURL() + path, QUrl::StrictMode},
+            .headers = {{"Authorization", "Bearer " + token.toUtf8()}},
+            .timeout = restTimeout};
+}
+
 QString SessionViewModel::resolveURL(ServerMode mode, const std::optional<QString>& custom, const QString& production) {
     switch (mode) {
     case ServerMode::production: return production;
@@ -176,7 +184,8 @@ bool SessionViewModel::isEnding() const {
 }
 
 bool SessionViewModel::isQuiet() const {
-    return m_runningSessions == 0 && m_detachedTasks == 0;
+    const bool isLinkDone = m_sensorPollTask.isSet() || m_linkTasks == 0;
+    return m_runningSessions == 0 && m_detachedTasks == 0 && isLinkDone;
 }
 
 }  // namespace corvellan

@@ -18,6 +18,7 @@
 #include "Published.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
+#include "Services/Protocols/HttpClientProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
 #include "Services/Protocols/ServiceFactory.h"
 #include "Services/Protocols/SessionStoreProtocol.h"
@@ -58,6 +59,7 @@ struct SessionEnvironment {
     const DebugLog& debugLog;
     Diagnostics& diagnostics;
     ServiceFactory& services;
+    HttpClientProtocol& http;              ///< The one HTTP session of the process.
     QString productionUrl;                 ///< The coaching endpoint, a WebSocket URL with the path "/ws".
     QString chatUrl;                       ///< The chat/briefings back-end.
     std::optional<QString> clientVersion;  ///< The program's short version string.
@@ -209,12 +211,19 @@ public:
 
     // MARK: - Extension link
 
+    /// Listens on a socket of its own and polls every 30 seconds, until `stopSensorPolling` or the end of
+    /// the program. Started anew, both channels take the place of earlier ones.
+    void startSensorPolling();
+    void stopSensorPolling();
+    /// One poll, at once.
+    void checkSensorStatus();
     /// Stops a running countdown to an automatic start.
     void cancelAutoStart();
 
     /// The end was asked for, and the summary, which the record comes from, is still to come.
     [[nodiscard]] bool isEnding() const;
-    /// No session task and no short task is under way: everything started is closed and stored.
+    /// No session task and no short task is under way: everything started is closed and stored. The
+    /// extension link, which runs beside all that, counts only once it was stopped.
     [[nodiscard]] bool isQuiet() const;
 
 Q_SIGNALS:
@@ -234,6 +243,9 @@ private:
                 --m_detachedTasks;
             }));
     }
+
+    /// A question to the coaching server's REST side; its URL is invalid when none results.
+    [[nodiscard]] HttpRequest restRequest(const QString& path, const QString& token) const;
 
     // SessionPipeline.cpp
 
@@ -288,6 +300,13 @@ private:
     void resumeListening();
 
     // ExtensionLink.cpp
+    void startExtensionWs();
+    QCoro::Task<void> listenForExtension(std::stop_token stop);
+    /// Reads one connection to its end.
+    QCoro::Task<std::expected<void, Error>> readExtensionMessages(WebSocketServiceProtocol& socket, QUrl url,
+                                                                  std::stop_token stop);
+    void handleExtensionMessage(const ServerMsg& message);
+    QCoro::Task<void> pollSensorStatus(std::stop_token stop);
     void onExtensionCallDetected(const ExtensionContextPayload& payload);
     void onExtensionCallEnded();
 
@@ -295,6 +314,8 @@ private:
     TranscriptModel m_transcriptLines;
     SessionStoreProtocol* m_modelContext = nullptr;
 
+    TaskSlot m_extensionWsTask;
+    TaskSlot m_sensorPollTask;
     TaskSlot m_sessionTask;
     TaskSlot m_endSessionTimeoutTask;
     TaskSlot m_coachingResetTask;
@@ -305,6 +326,7 @@ private:
     int m_pipelines = 0;
     Announcement m_pipelineClosed;
     int m_detachedTasks = 0;
+    int m_linkTasks = 0;
     WallTime m_lastRealTranscriptTime{};
     bool m_isTrainMode = false;
     std::optional<QString> m_currentScenario;

@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "Base/Tasks.h"
 #include "CallLog.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
+#include "Services/Protocols/HttpClientProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
 #include "Services/Protocols/ServiceFactory.h"
 #include "Services/Protocols/SessionStoreProtocol.h"
@@ -21,10 +23,10 @@ namespace corvellan::test {
 
 class FakeWebSocket final : public WebSocketServiceProtocol {
 public:
-    explicit FakeWebSocket(CallLog& log) : m_log(log) {}
+    explicit FakeWebSocket(CallLog& log, std::string name = "ws") : m_log(log), m_name(std::move(name)) {}
 
     QCoro::Task<std::expected<void, Error>> connect(QUrl url) override {
-        m_log.emplace_back("ws.connect");
+        m_log.push_back(m_name + ".connect");
         urls.push_back(url);
         co_await connectGate.pass();
         if (connectError)
@@ -35,7 +37,7 @@ public:
         co_return {};
     }
     QCoro::Task<std::expected<void, Error>> send(ClientMsg message) override {
-        m_log.emplace_back("ws.send");
+        m_log.push_back(m_name + ".send");
         if (sendError)
             co_return std::unexpected(*sendError);
         sent.push_back(std::move(message));
@@ -47,7 +49,7 @@ public:
         return *m_stream;
     }
     QCoro::Task<void> disconnect() override {
-        m_log.emplace_back("ws.disconnect");
+        m_log.push_back(m_name + ".disconnect");
         if (m_producer)
             m_producer->finish();
         m_producer.reset();
@@ -76,6 +78,7 @@ public:
 
 private:
     CallLog& m_log;
+    std::string m_name;
     std::optional<AsyncStream<ReceivedServerMsg>> m_stream;
     std::optional<AsyncStream<ReceivedServerMsg>::Producer> m_producer;
 };
@@ -247,6 +250,33 @@ private:
     CallLog& m_log;
 };
 
+/// Answers requests as the test prescribes; without that, every server is out of reach.
+class FakeHttp final : public HttpClientProtocol {
+public:
+    using Result = std::expected<HttpAnswer, Error>;
+
+    QCoro::Task<Result> send(HttpRequest request, std::stop_token stop) override {
+        requests.push_back(request);
+        auto answer = respond ? respond(request) : Result{std::unexpected(unreachable())};
+        co_await untilStopped(gate.pass(), stop);
+        if (stop.stop_requested())
+            co_return std::unexpected(Error::cancelled());
+        co_return answer;
+    }
+
+    /// From now on the same answer for all.
+    void answer(int status, const QByteArray& body = {}) {
+        respond = [status, body](const HttpRequest&) { return HttpAnswer{.status = status, .body = body}; };
+    }
+    void fail() { respond = {}; }
+
+    static Error unreachable() { return TransportError{QStringLiteral("The server is out of reach.")}; }
+
+    std::vector<HttpRequest> requests;
+    std::function<Result(const HttpRequest&)> respond;
+    Gate gate;
+};
+
 class FakeAuth final : public AuthServiceProtocol {
 public:
     explicit FakeAuth(CallLog& log) : m_log(log) {}
@@ -307,11 +337,28 @@ public:
     std::optional<Error> saveError;
 };
 
+/// What the session owns of a fake socket that the test goes on looking at.
+class ForwardingWebSocket final : public WebSocketServiceProtocol {
+public:
+    explicit ForwardingWebSocket(FakeWebSocket& target) : m_target(target) {}
+
+    QCoro::Task<std::expected<void, Error>> connect(QUrl url) override { return m_target.connect(std::move(url)); }
+    QCoro::Task<std::expected<void, Error>> send(ClientMsg message) override {
+        return m_target.send(std::move(message));
+    }
+    AsyncStream<ReceivedServerMsg> receive() override { return m_target.receive(); }
+    QCoro::Task<void> disconnect() override { return m_target.disconnect(); }
+
+private:
+    FakeWebSocket& m_target;
+};
+
 /// Hands out fakes that the test prepared.
 class FakeFactory final : public ServiceFactory {
 public:
     explicit FakeFactory(CallLog& log)
-        : m_screenShare(std::make_unique<FakeScreenShare>(log)),
+        : m_log(log),
+          m_screenShare(std::make_unique<FakeScreenShare>(log)),
           m_tts(std::make_unique<FakeTts>(log)),
           m_systemAudio(std::make_unique<FakeSystemAudio>(log)),
           m_systemStt(std::make_unique<FakeStt>(log, "systemStt")),
@@ -324,9 +371,20 @@ public:
     std::unique_ptr<TtsServiceProtocol> makeTts() override { return std::move(m_tts); }
     std::unique_ptr<SystemAudioServiceProtocol> makeSystemAudio() override { return std::move(m_systemAudio); }
     std::unique_ptr<SttServiceProtocol> makeStt() override { return std::move(m_systemStt); }
-    std::unique_ptr<WebSocketServiceProtocol> makeWebSocket() override { return {}; }
+    std::unique_ptr<WebSocketServiceProtocol> makeWebSocket() override {
+        auto& socket = *listeners.emplace_back(std::make_unique<FakeWebSocket>(m_log, "listener"));
+        if (prepareListener)
+            prepareListener(socket);
+        return std::make_unique<ForwardingWebSocket>(socket);
+    }
+
+    /// The sockets made so far, in order, also those that the session has let go.
+    std::vector<std::unique_ptr<FakeWebSocket>> listeners;
+    /// Called with each new one before the session has it.
+    std::function<void(FakeWebSocket&)> prepareListener;
 
 private:
+    CallLog& m_log;
     std::unique_ptr<FakeScreenShare> m_screenShare;
     std::unique_ptr<FakeTts> m_tts;
     std::unique_ptr<FakeSystemAudio> m_systemAudio;

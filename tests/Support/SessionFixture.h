@@ -24,7 +24,9 @@ public:
         m_viewModel->onSessionActiveChanged = {};
         m_viewModel->onStealthChanged = {};
         m_viewModel->onSessionModeChanged = {};
+        m_viewModel->stopSensorPolling();
         m_viewModel->stopSession();
+        http.gate.open();
         ws->connectGate.open();
         stt->connectGate.open();
         stt->sendGate.open();
@@ -51,6 +53,7 @@ public:
                                    .debugLog = debugLog,
                                    .diagnostics = diagnostics,
                                    .services = factory,
+                                   .http = http,
                                    .productionUrl = QStringLiteral("wss://coach.test/ws"),
                                    .chatUrl = QStringLiteral("https://chat.test"),
                                    .clientVersion = QStringLiteral("1.2.3"),
@@ -106,6 +109,7 @@ public:
     Diagnostics diagnostics;
     CallLog log;
     FakeFactory factory{log};
+    FakeHttp http;
     std::optional<QString> memoryNote;
     /// Where the pumps run; the main executor when null.
     Executor* pumps = nullptr;
