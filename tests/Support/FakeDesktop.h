@@ -15,6 +15,7 @@
 #include "Platform/Notifications.h"
 #include "Platform/Permissions.h"
 #include "Platform/StatusBar.h"
+#include "Platform/WebBrowser.h"
 #include "Platform/WindowActivation.h"
 
 /// Stand-ins for what a desktop gives, at the line that `Platform` draws. They live on the main thread, do at
@@ -286,6 +287,28 @@ private:
     std::vector<AsyncStream<std::size_t>::Producer> m_open;
 };
 
+class FakeWebBrowser final : public WebBrowser {
+public:
+    explicit FakeWebBrowser(CallLog& log) : m_log(log) {}
+
+    QCoro::Task<std::expected<void, Error>> open(QUrl page) override {
+        m_log.emplace_back("browser.open");
+        pages.push_back(std::move(page));
+        co_await gate.pass();
+        if (failure)
+            co_return std::unexpected(*failure);
+        co_return {};
+    }
+
+    Gate gate;
+    std::optional<Error> failure;
+    /// All that were asked for, in order.
+    std::vector<QUrl> pages;
+
+private:
+    CallLog& m_log;
+};
+
 class FakeWindowActivation final : public WindowActivation {
 public:
     explicit FakeWindowActivation(CallLog& log) : m_log(log) {}
@@ -312,6 +335,7 @@ struct FakeDesktop {
     FakePermissionSource permissions{log};
     FakeSystemSettings settings{log};
     FakeAlertPresenter alerts{log};
+    FakeWebBrowser browser{log};
     FakeWindowActivation activation{log};
 };
 

@@ -1,0 +1,103 @@
+#include "XdgWebBrowser.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <QProcess>
+#include <QStandardPaths>
+#include <stop_token>
+#include <utility>
+
+#include "Base/Tasks.h"
+
+namespace corvellan {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Result = std::expected<void, Error>;
+
+Result failure(const QString& sentence) {
+    return std::unexpected<Error>{TransportError{sentence}};
+}
+
+/// How the start of one browser went.
+struct Opening {
+    std::optional<Result> result;
+    Announcement ended;
+
+    /// Only the first end counts.
+    void finish(Result end) {
+        if (result)
+            return;
+        result = std::move(end);
+        ended.announce();
+    }
+};
+
+/// Runs in the child before the browser does. Nothing of this program's own ways must be left to it: it ignores
+/// and blocks no signal, and belongs to no terminal of ours.
+void letGo() {
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGPIPE, SIG_DFL);
+    ::setsid();
+}
+
+void launch(const QString& program, const QUrl& page, const std::shared_ptr<Opening>& opening) {
+    // Not destroyed before it ends, since Qt kills with it what it runs.
+    auto* const process = new QProcess;
+    process->setProgram(program);
+    process->setArguments({page.toString(QUrl::FullyEncoded)});
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->setChildProcessModifier(letGo);
+    QObject::connect(process, &QProcess::finished, process, [process, opening](int code, QProcess::ExitStatus status) {
+        if (status != QProcess::NormalExit)
+            opening->finish(failure(u"xdg-open has crashed."_s));
+        else if (code != 0)
+            opening->finish(failure(u"No web browser took the address (xdg-open ended with status %1)."_s.arg(code)));
+        else
+            opening->finish({});
+        process->deleteLater();
+    });
+    QObject::connect(process, &QProcess::errorOccurred, process, [process, opening](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        opening->finish(failure(u"xdg-open could not be started: %1"_s.arg(process->errorString())));
+        process->deleteLater();
+    });
+    process->start();
+}
+
+QCoro::Task<void> takeForOpen(Clock& clock, std::shared_ptr<Opening> opening, std::stop_token stop) {
+    if (co_await sleep(clock, XdgWebBrowser::patience, std::move(stop)) == SleepEnd::elapsed)
+        opening->finish({});
+}
+
+}  // namespace
+
+QCoro::Task<Result> XdgWebBrowser::open(QUrl page) {
+    // A file or a program's own scheme may do more than show a page.
+    if (!page.isValid() || (page.scheme() != u"http" && page.scheme() != u"https"))
+        co_return failure(u"This is no address of a web page."_s);
+    const QString program = QStandardPaths::findExecutable(u"xdg-open"_s);
+    if (program.isEmpty())
+        co_return failure(u"xdg-open is not installed (package xdg-utils)."_s);
+
+    const auto opening = std::make_shared<Opening>();
+    std::stop_source enough;
+    const auto patient = takeForOpen(m_clock, opening, enough.get_token());
+    launch(program, page, opening);
+    if (!opening->result)
+        co_await opening->ended.next();
+    enough.request_stop();
+    co_return *opening->result;
+}
+
+}  // namespace corvellan

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+
+#include "Base/Clock.h"
+#include "Platform/WebBrowser.h"
+
+namespace corvellan {
+
+/// The browser that `xdg-open` finds. It outlives the program that asked for it.
+class XdgWebBrowser final : public WebBrowser {
+public:
+    /// Where no desktop takes the address over, `xdg-open` becomes the browser itself and does not end: a
+    /// failure comes earlier than this.
+    static constexpr std::chrono::seconds patience{10};
+
+    /// \param clock outlives everything that was opened.
+    explicit XdgWebBrowser(Clock& clock) : m_clock(clock) {}
+
+    QCoro::Task<std::expected<void, Error>> open(QUrl page) override;
+
+private:
+    Clock& m_clock;
+};
+
+}  // namespace corvellan
