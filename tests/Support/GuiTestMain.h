@@ -10,9 +10,10 @@
 
 namespace corvellan::test {
 
-/// The `main` of a test program that needs fonts and windows.
-inline int runGuiTests(int argc, char** argv) {
-    QGuiApplication application{argc, argv};
+/// The `main` of a test program that needs fonts and windows; with menus and the like, a QApplication.
+template <typename Application = QGuiApplication>
+int runGuiTests(int argc, char** argv) {
+    Application application{argc, argv};
     application.setQuitOnLastWindowClosed(false);
     EventLoopExecutor main;
     setMainExecutor(main);
