@@ -22,6 +22,7 @@ public:
 
     /// \param symbol a name of the program's own symbol table.
     virtual void setImage(const QString& symbol, const QString& accessibilityDescription) = 0;
+    /// Where a press on the icon itself doesn't open the menu, it does what the first row does.
     virtual void setMenu(std::vector<StatusMenuItem> menu) = 0;
 };
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <algorithm>
+
+#include "App/MenuBar/MenuBarController.h"
+#include "App/Panel/PanelFixture.h"
+#include "Services/Protocols/UpdaterProtocol.h"
+#include "Support/FakeDesktop.h"
+
+namespace corvellan::test {
+
+class FakeUpdater final : public UpdaterProtocol {
+public:
+    void checkForUpdates() override { ++checks; }
+
+    int checks = 0;
+};
+
+/// The menu's controller over a session of fakes and a real panel. The status bar is the test's affair.
+class MenuBarFixture : public PanelFixture {
+protected:
+    void build(StatusBar& statusBar) {
+        controller.emplace(MenuBarController::Parts{.viewModel = fixture.session(),
+                                                    .panel = panel,
+                                                    .statusBar = statusBar,
+                                                    .activation = desktop.activation,
+                                                    .terminate = [this] { ++terminations; }});
+    }
+
+    FakeDesktop desktop;
+    FakeUpdater updater;
+    int terminations = 0;
+    std::optional<MenuBarController> controller;
+};
+
+}  // namespace corvellan::test
