@@ -125,6 +125,8 @@ private:
 
     [[nodiscard]] bool isAnswering() const {
         const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        if (descriptor < 0)
+            throw std::runtime_error("no socket to be had");
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         std::strncpy(address.sun_path, socketPath().constData(), sizeof address.sun_path - 1);

@@ -1,0 +1,1 @@
+corvellan_fuzz(AutostartEntry LINK Corvellan::LinuxPermissions)
