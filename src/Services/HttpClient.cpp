@@ -79,7 +79,7 @@ public:
             finish(failure(u"A header of the request holds a line break."_s));
             return;
         }
-        m_deadline.set(m_request.timeout, [this] { finish(failure(u"The request timed out."_s)); });
+        m_deadline.set(m_request.timeout, [this] { finish(failure(u"The connection timed out."_s)); });
         sendOnce();
     }
 

@@ -225,22 +225,6 @@ TEST_F(ClientSocketTest, anEndlessHandshakeLineTakesBoundedMemory) {
 
 // TLS.
 
-/// While it lives, the certificate of the test servers is trusted.
-class TrustInLoopback {
-public:
-    TrustInLoopback() {
-        QSslConfiguration trusting = m_usual;
-        trusting.addCaCertificate(loopbackCertificate());
-        QSslConfiguration::setDefaultConfiguration(trusting);
-    }
-    ~TrustInLoopback() { QSslConfiguration::setDefaultConfiguration(m_usual); }
-    TrustInLoopback(const TrustInLoopback&) = delete;
-    TrustInLoopback& operator=(const TrustInLoopback&) = delete;
-
-private:
-    const QSslConfiguration m_usual = QSslConfiguration::defaultConfiguration();
-};
-
 TEST_F(ClientSocketTest, anUntrustedCertificateIsRefused) {
     LoopbackServer secure{QWebSocketServer::SecureMode};
     secure.server().setSslConfiguration(loopbackTls());

@@ -37,4 +37,20 @@ MzkkWyAanTxsArxzYzT7EiK2qxyhRANCAATR95nsyxHSvzPpG+d0aR1KY3PowQCi
     return configuration;
 }
 
+/// While it lives, the certificate of the test servers is trusted.
+class TrustInLoopback {
+public:
+    TrustInLoopback() {
+        QSslConfiguration trusting = m_usual;
+        trusting.addCaCertificate(loopbackCertificate());
+        QSslConfiguration::setDefaultConfiguration(trusting);
+    }
+    ~TrustInLoopback() { QSslConfiguration::setDefaultConfiguration(m_usual); }
+    TrustInLoopback(const TrustInLoopback&) = delete;
+    TrustInLoopback& operator=(const TrustInLoopback&) = delete;
+
+private:
+    const QSslConfiguration m_usual = QSslConfiguration::defaultConfiguration();
+};
+
 }  // namespace corvellan::test
