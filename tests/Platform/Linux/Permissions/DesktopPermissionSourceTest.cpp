@@ -9,7 +9,6 @@
 #include "Base/Clock.h"
 #include "Platform/Linux/Permissions/ScreenCaptureProbe.h"
 #include "Platform/Linux/PulseAudioInputs.h"
-#include "Support/PrivateBus.h"
 #include "Support/PrivatePulse.h"
 #include "Support/TestLoop.h"
 
@@ -44,8 +43,7 @@ protected:
     SystemClock clock;
     OwnSpeech ownSpeech;
     PulseAudioInputs inputs{clock, ownSpeech};
-    PrivateBus bus;
-    DesktopPermissionSource source{worker.executor(), inputs, bus.connection()};
+    DesktopPermissionSource source{worker.executor(), inputs, QDBusConnection::sessionBus()};
 };
 
 TEST_F(DesktopPermissionSourceTest, withAMicrophoneItIsAuthorizedAndARequestSucceeds) {
@@ -144,12 +142,13 @@ TEST_F(DesktopPermissionSourceTest, onWaylandThePortalMustBeThere) {
     qputenv("WAYLAND_DISPLAY", "wayland-0");
     EXPECT_EQ(content(), u"The screen can't be captured: this desktop offers no screenshots to programs."_s);
 
-    auto desktop = bus.connect(u"portal"_s);
+    auto desktop = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
     StandInPortal portal;
     ASSERT_TRUE(
         desktop.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal, QDBusConnection::ExportAllProperties));
     ASSERT_TRUE(desktop.registerService(u"org.freedesktop.portal.Desktop"_s));
     EXPECT_EQ(content(), QString{});
+    QDBusConnection::disconnectFromBus(desktop.name());
 }
 
 TEST_F(DesktopPermissionSourceTest, onWaylandWithoutABusTheScreenCannotBeCaptured) {

@@ -1,0 +1,7 @@
+#include <QApplication>
+
+#include "Support/GuiTestMain.h"
+
+int main(int argc, char** argv) {
+    return corvellan::test::runGuiTests<QApplication>(argc, argv);
+}
