@@ -37,6 +37,16 @@ xcb_atom_t atom(xcb_connection_t* display, const QByteArray& name) {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+/// The X screen that the program is on, of those that the server has.
+int defaultScreen() {
+    char* host = nullptr;
+    int display = 0;
+    int screen = 0;
+    const bool isParsed = xcb_parse_display(nullptr, &host, &display, &screen) != 0;
+    std::free(host);
+    return isParsed ? screen : 0;
+}
+
 }  // namespace
 
 TrayHosts::TrayHosts() {
@@ -94,10 +104,8 @@ void TrayHosts::watchDisplay() {
     m_display = x11 ? x11->connection() : nullptr;
     if (!m_display)
         return;
-    int screen = 0;
-    xcb_parse_display(nullptr, nullptr, nullptr, &screen);
     m_managerAtom = atom(m_display, "MANAGER"_ba);
-    m_trayAtom = atom(m_display, "_NET_SYSTEM_TRAY_S"_ba + QByteArray::number(screen));
+    m_trayAtom = atom(m_display, "_NET_SYSTEM_TRAY_S"_ba + QByteArray::number(defaultScreen()));
     qGuiApp->installNativeEventFilter(this);
 }
 
