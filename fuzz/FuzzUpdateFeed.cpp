@@ -11,7 +11,7 @@ using namespace corvellan;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArrayView bytes{data, static_cast<qsizetype>(size)};
     const QString version = updatefeed::shortVersionString(bytes);
-    if (version.contains(QChar{'"'}) || updatefeed::isUpdate(version, version))
+    if (version.contains(u'"') || updatefeed::isUpdate(version, version))
         std::abort();
     const bool stands = bytes.contains("sparkle:shortVersionString=\"" + version.toUtf8() + '"');
     if (!version.isEmpty() && !stands)
