@@ -1,0 +1,80 @@
+#pragma once
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <QDBusConnection>
+#include <QFile>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <stdexcept>
+
+#include "ChildProcess.h"
+#include "TestLoop.h"
+
+namespace corvellan::test {
+
+/// A message bus of the test's own, on which nothing is started by itself: whoever is there was put there by the
+/// test. Ends with the object, and with the process if that crashes.
+class PrivateBus {
+public:
+    PrivateBus() {
+        QFile configuration{m_folder.filePath(QStringLiteral("bus.conf"))};
+        if (!configuration.open(QIODevice::WriteOnly))
+            throw std::runtime_error("can't write the bus's configuration");
+        configuration.write(
+            "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
+            " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+            "<busconfig><type>session</type><listen>unix:path=" +
+            socketPath() +
+            "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow send_destination=\"*\"/>"
+            "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy></busconfig>\n");
+        configuration.close();
+        m_daemon = std::make_unique<ChildProcess>(
+            std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration.fileName().toStdString(),
+                                     "--nofork", "--nopidfile", "--nosyslog"},
+            ChildProcess::Environment{}, m_folder.filePath(QStringLiteral("bus.log")).toStdString());
+        if (!spinUntil([this] { return isAnswering(); }))
+            throw std::runtime_error("the bus did not start");
+    }
+    ~PrivateBus() {
+        for (const QString& name : m_connections)
+            QDBusConnection::disconnectFromBus(name);
+    }
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    [[nodiscard]] QString address() const { return QStringLiteral("unix:path=") + QString::fromUtf8(socketPath()); }
+
+    /// A new connection at each call, as of a program of its own.
+    [[nodiscard]] QDBusConnection connect() {
+        static int number = 0;
+        m_connections.append(QStringLiteral("private-bus-%1").arg(++number));
+        return QDBusConnection::connectToBus(address(), m_connections.last());
+    }
+
+    /// As a crash would.
+    void kill() { m_daemon->kill(); }
+
+private:
+    [[nodiscard]] QByteArray socketPath() const { return m_folder.filePath(QStringLiteral("bus")).toUtf8(); }
+
+    [[nodiscard]] bool isAnswering() const {
+        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, socketPath().constData(), sizeof address.sun_path - 1);
+        const bool connected = ::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+        ::close(descriptor);
+        return connected;
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<ChildProcess> m_daemon;
+    QStringList m_connections;
+};
+
+}  // namespace corvellan::test
