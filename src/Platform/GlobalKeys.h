@@ -14,6 +14,8 @@ struct KeyDown {
     PhysicalKey key = PhysicalKey::other;
     bool isCommandDown = false;  ///< The Super key, where there is no Command.
     bool isShiftDown = false;
+    /// Lets a window come to the front on desktops that want to see a reason for it. May be empty.
+    QString activationToken;
 };
 
 /// Whether key presses in other programs reach this one.
