@@ -1,22 +1,17 @@
 #include "AppDelegate.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QEvent>
+#include <QPointer>
 
-#include "AbsentServices.h"
+#include "App/MenuBar/MenuBarController.h"
 #include "App/Panel/StealthPanel.h"
-#include "AppServices.h"
-#include "Base/Deployment.h"
-#include "Base/Executor.h"
 #include "Base/Log.h"
-#include "Base/SettingsPreferences.h"
-#include "DiagnosticsObject.h"
-#include "Models/MemoryStore.h"
-#include "Platform/Linux/PulseAudioInputs.h"
-#include "Platform/OwnSpeech.h"
-#include "Services/HttpClient.h"
-#include "Services/SessionStore/SqliteSessionStore.h"
-#include "ViewModels/SessionViewModel.h"
+#include "LocalKeyMonitor.h"
+#include "Platform/Notifications.h"
+#include "Platform/StatusBar.h"
+#include "Platform/WindowActivation.h"
+#include "Shell/LaunchAtLogin.h"
 #include "Views/HandoffWindowController.h"
 
 using namespace Qt::StringLiterals;
@@ -26,158 +21,244 @@ namespace corvellan {
 
 namespace {
 
+constexpr auto meetingCheckInterval = 60s;
 /// How long quitting waits for the summary of a call that was just ended.
 constexpr auto summaryPatience = 1500ms;
 /// How long it waits in all, for what is being closed and stored too.
 constexpr auto quitPatience = 2s;
 
-class AbsentHandoffWindow final : public HandoffWindowController {
-public:
-    void show(const HandoffResponse&) override {}
-};
-
 }  // namespace
 
-// In the order of construction, so that everything goes before what it uses. Threads stand above the
-// services that work on them.
-struct AppDelegate::Parts {
-    explicit Parts(MonotonicTime launched) : launchedAt(launched) {}
-
-    MonotonicTime launchedAt;
-    EventLoopExecutor main;
-    SystemClock clock;
-    WorkerThread live{"corvellan-live"};
-    WorkerThread network{"corvellan-net"};
-    WorkerThread worker{"corvellan-work"};
-    DebugLog debugLog{QDir::homePath() + u"/corvellan-debug.log"_s, clock};
-    Diagnostics diagnostics;
-    SettingsPreferences preferences{SettingsPreferences::defaultPath()};
-    OwnSpeech ownSpeech;
-    PulseAudioInputs audioInputs{clock, ownSpeech};
-    HttpClient http{network.executor(), clock};
-    AppServices services{live.executor(), clock, audioInputs, diagnostics};
-    AbsentHandoffWindow handoffWindow;
-    NoCaptureHiding captureHiding;
-    DiagnosticsObject diagnosticsObject{diagnostics};
-    std::unique_ptr<SqliteSessionStore> store;
-    std::shared_ptr<void> storeWatch;
-    std::unique_ptr<SessionViewModel> viewModel;
-    std::unique_ptr<StealthPanel> panel;
-    bool isQuitting = false;
-};
-
-AppDelegate::AppDelegate(MonotonicTime launchedAt) : m_parts(std::make_unique<Parts>(launchedAt)) {
-    auto webSocket = m_parts->services.makeWebSocket();
-    auto audio = m_parts->services.makeMicrophone();
-    auto stt = m_parts->services.makeMicrophoneStt();
-    auto auth = std::make_unique<AbsentAuthService>();
-    m_parts->viewModel = std::make_unique<SessionViewModel>(
-        SessionEnvironment{
-            .main = m_parts->main,
-            .pumps = m_parts->live.executor(),
-            .clock = m_parts->clock,
-            .preferences = m_parts->preferences,
-            .debugLog = m_parts->debugLog,
-            .diagnostics = m_parts->diagnostics,
-            .services = m_parts->services,
-            .http = m_parts->http,
-            .productionUrl = deployment::coachUrl(),
-            .chatUrl = deployment::chatUrl(),
-            .clientVersion = deployment::version(),
-            .tokenFilePath = QDir::homePath() + u"/.config/corvellan/auth.json"_s,
-            .loadMemoryNote = [] { return MemoryStore::load(); },
-        },
-        std::move(webSocket), std::move(audio), std::move(stt), std::move(auth));
+AppDelegate::AppDelegate(AppEnvironment environment)
+    : m_environment(std::move(environment)),
+      m_permissionChecker(m_environment.desktop.permissions, m_environment.desktop.systemSettings,
+                          m_environment.desktop.alerts) {
+    auto webSocket = m_environment.services.makeWebSocket();
+    auto audio = m_environment.services.makeAudio();
+    auto stt = m_environment.services.makeMicrophoneStt();
+    auto auth = m_environment.services.makeAuth();
+    m_viewModel = std::make_unique<SessionViewModel>(m_environment.session, std::move(webSocket), std::move(audio),
+                                                     std::move(stt), std::move(auth));
+    m_updaterController = m_environment.makeUpdater();
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    m_stop.request_stop();
+    m_environment.desktop.notifications.didReceive = {};
+    m_meetingCheckTimer.clear();
+    m_viewModel->stopSensorPolling();
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     shellLog(u"applicationDidFinishLaunching"_s);
+    auto& notifications = m_environment.desktop.notifications;
+    notifications.didReceive = [this](const NotificationResponse& response) {
+        userNotificationCenterDidReceive(response);
+    };
+    // Whatever the answer: a reminder asks again.
+    static_cast<void>(notifications.requestAuthorization());
+    LaunchAtLogin{m_environment.desktop.loginItems, m_environment.session.preferences}.registerIfFirstLaunch();
     openStore();
-    m_parts->panel = std::make_unique<StealthPanel>(StealthPanel::Parts{
-        .session = *m_parts->viewModel,
-        .preferences = m_parts->preferences,
-        .captureHiding = m_parts->captureHiding,
-        .handoffWindowController = m_parts->handoffWindow,
+    makePanel();
+    m_menuBarController = std::make_unique<MenuBarController>(MenuBarController::Parts{
+        .viewModel = *m_viewModel,
+        .panel = *m_panel,
+        .statusBar = m_environment.desktop.statusBar,
+        .activation = m_environment.desktop.activation,
+        .terminate = [this] { quit(); },
     });
+    installKeyMonitors();
+    startMeetingChecks();
+    m_viewModel->startSensorPolling();
     installCallbacks();
     measureTips();
-    // Nothing else would bring a hidden window back.
-    connect(m_parts->panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::quit);
-    m_parts->panel->enterIdleMode();
-    m_parts->panel->makeKeyAndOrderFront();
+    m_viewModel->setSparkleUpdater(m_updaterController.get());
+    static_cast<void>(checkForUpdateBadge());
+    m_panel->enterIdleMode();
+    m_panel->makeKeyAndOrderFront();
     measureStartUp();
-    m_parts->diagnosticsObject.publish();
+    startPermissionChecks();
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 void AppDelegate::openStore() {
-    static_cast<void>(CancellableTask::start([parts = m_parts.get()](std::stop_token) -> QCoro::Task<void> {
-        auto opened = co_await SqliteSessionStore::open(SqliteSessionStore::defaultPath(), parts->worker.executor(),
-                                                        parts->clock);
+    static_cast<void>([](QPointer<AppDelegate> self) -> QCoro::Task<void> {
+        auto opened = co_await self->m_environment.openStore();
+        if (!self)
+            co_return;
         if (!opened) {
             // Sessions run and summaries show; nothing of them is kept.
             shellLog(u"SwiftData init failed: "_s + opened.error().debugDescription());
             co_return;
         }
-        parts->store = std::move(opened->store);
-        parts->viewModel->setModelContext(parts->store.get());
-        parts->storeWatch = parts->store->observe([parts](const SessionStoreProtocol::Index&) {
-            auto& ready = parts->diagnostics.storeReadyMicroseconds;
+        self->m_modelContainer = std::move(opened->store);
+        self->m_viewModel->setModelContext(self->m_modelContainer.get());
+        self->m_storeWatch = self->m_modelContainer->observe([self](const SessionStoreProtocol::Index&) {
+            auto& ready = self->m_environment.session.diagnostics.storeReadyMicroseconds;
             if (ready < 0)
-                ready = std::chrono::floor<std::chrono::microseconds>(parts->clock.now() - parts->launchedAt).count();
+                ready = std::chrono::floor<std::chrono::microseconds>(self->m_environment.session.clock.now() -
+                                                                      self->m_environment.launchedAt)
+                            .count();
         });
-    }));
+    }(this));
+}
+
+void AppDelegate::makePanel() {
+    m_panel = std::make_unique<StealthPanel>(StealthPanel::Parts{
+        .session = *m_viewModel,
+        .preferences = m_environment.session.preferences,
+        .captureHiding = m_environment.desktop.captureHiding,
+        .handoffWindowController = m_environment.handoffWindow,
+    });
+    connect(m_panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::onPanelClosed);
+}
+
+void AppDelegate::installKeyMonitors() {
+    m_keyMonitor = std::make_unique<LocalKeyMonitor>([this](PhysicalKey key) {
+        if (key != PhysicalKey::space || !m_viewModel->isTtsPlaying())
+            return LocalKeyMonitor::Verdict::pass;
+        m_viewModel->stopTtsAndResumeMic();
+        return LocalKeyMonitor::Verdict::consume;
+    });
+    m_globalHotkeyMonitor =
+        m_environment.desktop.globalKeys.addGlobalMonitor([this](const KeyDown& key) { onGlobalKeyDown(key); });
+}
+
+void AppDelegate::onGlobalKeyDown(const KeyDown& key) {
+    if (!key.isCommandDown || !key.isShiftDown || key.key != PhysicalKey::j)
+        return;
+    if (m_viewModel->isSessionActive()) {
+        m_viewModel->endSession();
+        return;
+    }
+    bringToFront();
+    // Pressed twice in a hurry: the second attempt would take the first one's place, and the first one's
+    // closing would end the call of both. One that still signs in may be replaced.
+    if (!m_viewModel->isReachingServer())
+        m_viewModel->startSession();
+}
+
+void AppDelegate::bringToFront(const QString& activationToken) {
+    if (!m_panel)
+        return;
+    m_panel->makeKeyAndOrderFront();
+    m_environment.desktop.activation.activateIgnoringOtherApps(*m_panel, activationToken);
 }
 
 void AppDelegate::installCallbacks() {
-    auto& session = *m_parts->viewModel;
-    auto* const panel = m_parts->panel.get();
-    session.onSessionActiveChanged = [panel](bool isActive) {
+    const QPointer panel{m_panel.get()};
+    m_viewModel->onSessionActiveChanged = [panel](bool isActive) {
+        if (!panel)
+            return;
         if (isActive)
             panel->enterCallMode();
         else
             panel->enterIdleMode();
     };
-    session.onStealthChanged = [panel](bool isEnabled) { panel->setStealth(isEnabled); };
-    session.onSessionModeChanged = [panel](const QString& mode) { panel->setSessionMode(mode); };
+    m_viewModel->onStealthChanged = [panel](bool isEnabled) {
+        if (panel)
+            panel->setStealth(isEnabled);
+    };
+    m_viewModel->onSessionModeChanged = [panel](const QString& mode) {
+        if (panel)
+            panel->setSessionMode(mode);
+    };
+}
+
+void AppDelegate::startMeetingChecks() {
+    m_meetingCheckTimer = CancellableTask::start([this](std::stop_token stop) -> QCoro::Task<void> {
+        // Whoever asks to stop may be gone after the wait, and this object with it.
+        auto& clock = m_environment.session.clock;
+        while (co_await sleep(clock, meetingCheckInterval, stop) == SleepEnd::elapsed)
+            checkUpcomingMeetingNotification();
+    });
+}
+
+void AppDelegate::startPermissionChecks() {
+    static_cast<void>([](QPointer<AppDelegate> self) -> QCoro::Task<void> {
+        const bool isGranted = co_await self->m_permissionChecker.requestMicrophone();
+        if (!isGranted)
+            shellLog(u"Microphone permission denied"_s);
+        if (!self)
+            co_return;
+        const auto state = co_await self->m_permissionChecker.check();
+        if (!self || state.allGranted())
+            co_return;
+        shellLog(u"Missing permissions: mic="_s + PermissionChecker::statusText(state.microphone) + u" screen="_s +
+                 PermissionChecker::statusText(state.screenRecording));
+        co_await self->m_permissionChecker.showMissingPermissionsAlert(state);
+    }(this));
+}
+
+void AppDelegate::onPanelClosed() {
+    if (m_environment.desktop.statusBar.isShown() || std::exchange(m_hasToldOfHiding, true))
+        return;
+    m_environment.desktop.notifications.add({
+        .identifier = u"still-running"_s,
+        .title = u"Corvellan Bram keeps running"_s,
+        .body = u"Start it again to bring its window back. This desktop shows no icon for it."_s,
+    });
 }
 
 void AppDelegate::measureStartUp() {
     // The window is not exposed yet, so its first swap is the first frame.
     connect(
-        m_parts->panel.get(), &QQuickWindow::frameSwapped, this,
-        [parts = m_parts.get()] {
-            parts->diagnostics.firstFrameMicroseconds =
-                std::chrono::floor<std::chrono::microseconds>(parts->clock.now() - parts->launchedAt).count();
+        m_panel.get(), &QQuickWindow::frameSwapped, this,
+        [this] {
+            m_environment.session.diagnostics.firstFrameMicroseconds =
+                std::chrono::floor<std::chrono::microseconds>(m_environment.session.clock.now() -
+                                                              m_environment.launchedAt)
+                    .count();
         },
         Qt::SingleShotConnection);
 }
 
 void AppDelegate::measureTips() {
-    connect(m_parts->viewModel.get(), &SessionViewModel::coachingShown, this, [this](MonotonicTime arrivedAt) {
-        m_parts->panel->afterNextFrame([parts = m_parts.get(), arrivedAt] {
-            parts->diagnostics.tipToScreen.record(parts->clock.now() - arrivedAt);
+    connect(m_viewModel.get(), &SessionViewModel::coachingShown, this, [this](MonotonicTime arrivedAt) {
+        auto& environment = m_environment.session;
+        m_panel->afterNextFrame([&environment, arrivedAt] {
+            environment.diagnostics.tipToScreen.record(environment.clock.now() - arrivedAt);
         });
     });
 }
 
+bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    // From the desktop's session manager, say. Taken as it comes, it would first ask the panel to close,
+    // which hides instead.
+    if (event->type() != QEvent::Quit)
+        return QObject::eventFilter(watched, event);
+    quit();
+    return true;
+}
+
+void AppDelegate::applicationWillTerminate() {
+    m_keyMonitor.reset();
+    m_globalHotkeyMonitor.reset();
+    m_meetingCheckTimer.clear();
+}
+
 void AppDelegate::quit() {
-    if (std::exchange(m_parts->isQuitting, true))
+    if (std::exchange(m_isQuitting, true))
         return;
-    m_parts->panel->hide();
-    static_cast<void>(CancellableTask::start([parts = m_parts.get()](std::stop_token) -> QCoro::Task<void> {
-        const auto asked = parts->clock.now();
+    if (m_panel)
+        m_panel->hide();
+    static_cast<void>([](QPointer<AppDelegate> self) -> QCoro::Task<void> {
+        auto& clock = self->m_environment.session.clock;
+        auto& viewModel = *self->m_viewModel;
+        const auto asked = clock.now();
         // Stopped at once, a call that was ended just before would leave no record.
-        while (parts->viewModel->isEnding() && parts->clock.now() < asked + summaryPatience)
-            co_await sleep(parts->clock, 5ms);
-        parts->viewModel->stopSession();
-        parts->viewModel->stopSensorPolling();
-        const auto deadline = asked + quitPatience;
-        while (!parts->viewModel->isQuiet() && parts->clock.now() < deadline)
-            co_await sleep(parts->clock, 5ms);
-        QCoreApplication::exit(0);
-    }));
+        while (self && viewModel.isEnding() && clock.now() < asked + summaryPatience)
+            co_await sleep(clock, 5ms);
+        if (!self)
+            co_return;
+        viewModel.stopSession();
+        while (self && !viewModel.isQuiet() && clock.now() < asked + quitPatience)
+            co_await sleep(clock, 5ms);
+        if (!self)
+            co_return;
+        self->applicationWillTerminate();
+        self->m_environment.terminate();
+    }(this));
 }
 
 }  // namespace corvellan

@@ -15,12 +15,16 @@ AppServices::AppServices(Executor& live, Clock& clock, AudioInputs& inputs, Diag
       m_inputs(inputs),
       m_diagnostics(diagnostics) {}
 
-std::unique_ptr<AudioServiceProtocol> AppServices::makeMicrophone() {
+std::unique_ptr<AudioServiceProtocol> AppServices::makeAudio() {
     return std::make_unique<AudioService>(m_live, m_clock, m_inputs, m_diagnostics.mic);
 }
 
 std::unique_ptr<SttServiceProtocol> AppServices::makeMicrophoneStt() {
     return std::make_unique<SttService>(m_live, m_clock, m_diagnostics.mic, deployment::sttUrl());
+}
+
+std::unique_ptr<AuthServiceProtocol> AppServices::makeAuth() {
+    return std::make_unique<AbsentAuthService>();
 }
 
 std::unique_ptr<ScreenShareServiceProtocol> AppServices::makeScreenShare() {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "AppFactory.h"
 #include "Base/Clock.h"
 #include "Base/Diagnostics.h"
 #include "Base/Executor.h"
-#include "Services/Protocols/ServiceFactory.h"
 
 namespace corvellan {
 
@@ -11,12 +11,13 @@ class AudioInputs;
 
 /// Makes the services for the two sides of a call: counters and latencies go to the side's own part
 /// of the diagnostics. What it is given outlives what it makes.
-class AppServices final : public ServiceFactory {
+class AppServices final : public AppFactory {
 public:
     AppServices(Executor& live, Clock& clock, AudioInputs& inputs, Diagnostics& diagnostics);
 
-    [[nodiscard]] std::unique_ptr<AudioServiceProtocol> makeMicrophone();
-    [[nodiscard]] std::unique_ptr<SttServiceProtocol> makeMicrophoneStt();
+    [[nodiscard]] std::unique_ptr<AudioServiceProtocol> makeAudio() override;
+    [[nodiscard]] std::unique_ptr<SttServiceProtocol> makeMicrophoneStt() override;
+    [[nodiscard]] std::unique_ptr<AuthServiceProtocol> makeAuth() override;
 
     [[nodiscard]] std::unique_ptr<ScreenShareServiceProtocol> makeScreenShare() override;
     [[nodiscard]] std::unique_ptr<TtsServiceProtocol> makeTts() override;

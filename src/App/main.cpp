@@ -2,11 +2,11 @@
 #include <unistd.h>
 #include <csignal>
 
-#include <QGuiApplication>
-#include <QSocketNotifier>
+#include <QApplication>
 
-#include "AppDelegate.h"
 #include "Base/Deployment.h"
+#include "CorvellanMain.h"
+#include "SingleInstance.h"
 #include "Views/QuickSetup.h"
 
 using namespace Qt::StringLiterals;
@@ -29,20 +29,18 @@ int blockAndWatchEndSignals() {
 int main(int argc, char** argv) {
     const auto launchedAt = std::chrono::steady_clock::now();
     const int endSignals = blockAndWatchEndSignals();
-    QGuiApplication application{argc, argv};
-    QGuiApplication::setApplicationName(u"corvellan-bram"_s);
-    QGuiApplication::setApplicationDisplayName(u"Corvellan Bram"_s);
-    QGuiApplication::setApplicationVersion(corvellan::deployment::version());
-    QGuiApplication::setDesktopFileName(u"com.teskara.CorvellanBram"_s);
+    // On Wayland a program can neither place nor raise its windows; through XWayland it can do both.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb;wayland");
+    QApplication application{argc, argv};
+    QApplication::setApplicationName(u"Corvellan Bram"_s);
+    QApplication::setApplicationVersion(corvellan::deployment::version());
+    QApplication::setDesktopFileName(corvellan::SingleInstance::name);
     // The panel is hidden, never closed; the program ends on request alone.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setQuitOnLastWindowClosed(false);
     corvellan::prepareQuick();
 
-    corvellan::AppDelegate delegate{launchedAt};
-    QSocketNotifier notifier{endSignals, QSocketNotifier::Read};
-    QObject::connect(&notifier, &QSocketNotifier::activated, &delegate, [&delegate] { delegate.quit(); });
-    delegate.applicationDidFinishLaunching();
-    const int status = QGuiApplication::exec();
+    const int status = corvellan::CorvellanMain{launchedAt, endSignals}.run();
     ::close(endSignals);
     return status;
 }

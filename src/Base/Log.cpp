@@ -50,6 +50,11 @@ void Logger::write(LogLevel level, const QString& text) const {
 }
 
 void shellLog(const QString& text) {
+    const std::scoped_lock lock{sinkMutex()};
+    if (sink()) {
+        sink()({.category = u"Shell"_s, .level = LogLevel::info, .text = text});
+        return;
+    }
     std::fprintf(stderr, "[Corvellan] %s\n", qUtf8Printable(text));
 }
 

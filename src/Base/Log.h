@@ -35,7 +35,8 @@ private:
 /// on the thread that logs, one line at a time.
 void setLogSink(std::function<void(const LogLine&)> sink);
 
-/// A plain line of the program's shell, with the prefix "[Corvellan] ", on standard error.
+/// A plain line of the program's shell, with the prefix "[Corvellan] ", on standard error. A sink gets it
+/// as a line of the category "Shell", without the prefix.
 void shellLog(const QString& text);
 
 }  // namespace corvellan

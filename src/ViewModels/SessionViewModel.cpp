@@ -179,6 +179,11 @@ std::optional<QString> SessionViewModel::emailFromJWT(const QString& token) {
     return jwtSubject(token);
 }
 
+bool SessionViewModel::isReachingServer() const {
+    return m_statusText == u"Connecting..."_s || m_statusText == u"Connected"_s ||
+           m_statusText == u"Waiting for session..."_s;
+}
+
 bool SessionViewModel::isEnding() const {
     return m_isSessionActive && !m_endSessionTimeoutTask.isFinished();
 }

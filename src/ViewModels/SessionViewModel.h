@@ -208,6 +208,8 @@ public:
 
     void toggleTtsMute();
     void interruptTts();
+    /// Cuts the buyer short; the turn is the user's.
+    void stopTtsAndResumeMic();
 
     // MARK: - Extension link
 
@@ -220,6 +222,10 @@ public:
     /// Stops a running countdown to an automatic start.
     void cancelAutoStart();
 
+    /// A start is on its way to the server. Another one would take its place, and the closing of the first
+    /// would end the call of both. One that still signs in may be replaced: the user may have lost the
+    /// browser's page.
+    [[nodiscard]] bool isReachingServer() const;
     /// The end was asked for, and the summary, which the record comes from, is still to come.
     [[nodiscard]] bool isEnding() const;
     /// No session task and no short task is under way: everything started is closed and stored. The
@@ -295,7 +301,6 @@ private:
 
     // TrainingMode.cpp
     void onTtsPlayingChanged(bool isPlaying);
-    void stopTtsAndResumeMic();
     /// The turn is the user's again, in a training session that runs.
     void resumeListening();
 

@@ -24,8 +24,7 @@ QString IdleView::statusText() const {
 }
 
 bool IdleView::canStart() const {
-    const QString status = statusText();
-    return status != u"Connecting..."_s && status != u"Connected"_s && status != u"Waiting for session..."_s;
+    return !m_session.isReachingServer();
 }
 
 QString IdleView::errorMessage() const {
@@ -42,7 +41,6 @@ QString IdleView::serverText() const {
 }
 
 void IdleView::startCoaching() {
-    // A second start takes the first one's place, and the first one's closing would end the call of both.
     if (canStart())
         m_session.startSession();
 }

@@ -29,8 +29,6 @@ public:
 
     [[nodiscard]] static QString productName();
     [[nodiscard]] QString statusText() const;
-    /// No start is on its way to the server. One that still signs in may be replaced: the user may have
-    /// lost the browser's page.
     [[nodiscard]] bool canStart() const;
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString lastCallText() const;

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <expected>
+#include <functional>
+#include <memory>
+#include <QCoroTask>
+#include <QString>
+
+#include "AppFactory.h"
+#include "Base/Clock.h"
+#include "Base/Error.h"
+#include "Services/Protocols/SessionStoreProtocol.h"
+#include "Services/Protocols/UpdateFeedProtocol.h"
+#include "ViewModels/SessionViewModel.h"
+
+namespace corvellan {
+
+class AlertPresenter;
+class CaptureHiding;
+class GlobalKeys;
+class HandoffWindowController;
+class LoginItems;
+class NotificationCenter;
+class PermissionSource;
+class StatusBar;
+class SystemSettings;
+class WindowActivation;
+
+/// The desktop, as far as the program's shell uses it.
+struct Desktop {
+    NotificationCenter& notifications;
+    GlobalKeys& globalKeys;
+    StatusBar& statusBar;
+    LoginItems& loginItems;
+    PermissionSource& permissions;
+    SystemSettings& systemSettings;
+    AlertPresenter& alerts;
+    WindowActivation& activation;
+    CaptureHiding& captureHiding;
+};
+
+/// An open record store.
+struct OpenedStore {
+    std::unique_ptr<SessionStoreProtocol> store;
+};
+
+/// What `AppDelegate` is made of; all of it outlives the delegate.
+struct AppEnvironment {
+    SessionEnvironment session;
+    AppFactory& services;
+    Desktop desktop;
+    HandoffWindowController& handoffWindow;
+    UpdateFeedProtocol& updateFeed;
+    std::function<std::unique_ptr<UpdaterProtocol>()> makeUpdater;
+    std::function<QCoro::Task<std::expected<OpenedStore, Error>>()> openStore;
+    QString runningVersion;
+    /// When `main` began, for the start-up figures.
+    MonotonicTime launchedAt{};
+    /// Ends the event loop.
+    std::function<void()> terminate;
+};
+
+}  // namespace corvellan

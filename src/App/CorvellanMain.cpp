@@ -1,0 +1,160 @@
+#include "CorvellanMain.h"
+
+#include <cstdio>
+
+#include <QApplication>
+#include <QDir>
+#include <QSocketNotifier>
+
+#include "AbsentDesktop.h"
+#include "App/Alerts/MessageBoxAlerts.h"
+#include "App/Icon/ApplicationIcon.h"
+#include "App/MenuBar/TrayStatusBar.h"
+#include "AppDelegate.h"
+#include "AppServices.h"
+#include "Base/Deployment.h"
+#include "Base/Executor.h"
+#include "Base/SettingsPreferences.h"
+#include "Models/MemoryStore.h"
+#include "Platform/CaptureHiding.h"
+#include "Platform/Linux/Browser/XdgWebBrowser.h"
+#include "Platform/Linux/Permissions/DesktopPermissionSource.h"
+#include "Platform/Linux/Permissions/DesktopSettings.h"
+#include "Platform/Linux/Permissions/XdgLoginItems.h"
+#include "Platform/Linux/PulseAudioInputs.h"
+#include "Platform/OwnSpeech.h"
+#include "ProgramObject.h"
+#include "Services/HttpClient.h"
+#include "Services/SessionStore/SqliteSessionStore.h"
+#include "Services/UpdateFeedService.h"
+#include "Shell/DownloadPageUpdater.h"
+#include "SingleInstance.h"
+#include "Views/HandoffWindowController.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvellan {
+
+namespace {
+
+/// The desktop's word that the user has started this process, as launchers pass it on. Empty without one.
+QString activationToken() {
+    for (const char* const variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
+        if (const QString token = qEnvironmentVariable(variable); !token.isEmpty())
+            return token;
+    return {};
+}
+
+class AbsentHandoffWindow final : public HandoffWindowController {
+public:
+    void show(const HandoffResponse&) override {}
+};
+
+/// In the order of construction, so that everything goes before what it uses. Threads stand above the
+/// services that work on them.
+struct RealParts {
+    explicit RealParts(Diagnostics& counters) : diagnostics(counters) {}
+
+    Diagnostics& diagnostics;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    EventLoopExecutor main;
+    SystemClock clock;
+    WorkerThread live{"corvellan-live"};
+    WorkerThread network{"corvellan-net"};
+    WorkerThread worker{"corvellan-work"};
+    DebugLog debugLog{QDir::homePath() + u"/corvellan-debug.log"_s, clock};
+    SettingsPreferences preferences{SettingsPreferences::defaultPath()};
+    OwnSpeech ownSpeech;
+    PulseAudioInputs audioInputs{clock, ownSpeech};
+    AppServices services{live.executor(), clock, audioInputs, diagnostics};
+    HttpClient http{network.executor(), clock};
+    UpdateFeedService updateFeed{http};
+    XdgWebBrowser browser{clock};
+    MessageBoxAlerts alerts;
+    DesktopSettings systemSettings{alerts};
+    DesktopPermissionSource permissions{worker.executor(), audioInputs, bus};
+    XdgLoginItems loginItems;
+    std::unique_ptr<GlobalKeys> globalKeys = std::make_unique<AbsentGlobalKeys>();
+    std::unique_ptr<NotificationCenter> notifications = std::make_unique<AbsentNotificationCenter>();
+    std::unique_ptr<WindowActivation> activation = std::make_unique<PlainWindowActivation>();
+    std::unique_ptr<CaptureHiding> captureHiding = std::make_unique<NoCaptureHiding>();
+    TrayStatusBar statusBar;
+    AbsentHandoffWindow handoffWindow;
+};
+
+AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
+    return {
+        .session = {.main = parts.main,
+                    .pumps = parts.live.executor(),
+                    .clock = parts.clock,
+                    .preferences = parts.preferences,
+                    .debugLog = parts.debugLog,
+                    .diagnostics = parts.diagnostics,
+                    .services = parts.services,
+                    .http = parts.http,
+                    .productionUrl = deployment::coachUrl(),
+                    .chatUrl = deployment::chatUrl(),
+                    .clientVersion = deployment::version(),
+                    .tokenFilePath = QDir::homePath() + u"/.config/corvellan/auth.json"_s,
+                    .loadMemoryNote = [] { return MemoryStore::load(); }},
+        .services = parts.services,
+        .desktop = {.notifications = *parts.notifications,
+                    .globalKeys = *parts.globalKeys,
+                    .statusBar = parts.statusBar,
+                    .loginItems = parts.loginItems,
+                    .permissions = parts.permissions,
+                    .systemSettings = parts.systemSettings,
+                    .alerts = parts.alerts,
+                    .activation = *parts.activation,
+                    .captureHiding = *parts.captureHiding},
+        .handoffWindow = parts.handoffWindow,
+        .updateFeed = parts.updateFeed,
+        .makeUpdater =
+            [&parts] {
+                return std::make_unique<DownloadPageUpdater>(parts.browser, parts.alerts,
+                                                             QUrl{deployment::downloadUrl()});
+            },
+        .openStore = [&parts]() -> QCoro::Task<std::expected<OpenedStore, Error>> {
+            auto opened = co_await SqliteSessionStore::open(SqliteSessionStore::defaultPath(), parts.worker.executor(),
+                                                            parts.clock);
+            if (!opened)
+                co_return std::unexpected(opened.error());
+            co_return OpenedStore{.store = std::move(opened->store)};
+        },
+        .runningVersion = deployment::version(),
+        .launchedAt = launchedAt,
+        .terminate = [] { QCoreApplication::exit(0); },
+    };
+}
+
+}  // namespace
+
+CorvellanMain::CorvellanMain(MonotonicTime launchedAt, int endSignals)
+    : m_launchedAt(launchedAt),
+      m_endSignals(endSignals) {}
+
+int CorvellanMain::run() {
+    Diagnostics diagnostics;
+    ProgramObject object{diagnostics};
+    SingleInstance instance{QDBusConnection::sessionBus()};
+    switch (instance.claim(object, activationToken())) {
+    case SingleInstance::Outcome::first: break;
+    case SingleInstance::Outcome::handedOver: return 0;
+    case SingleInstance::Outcome::unreachable:
+        std::fputs("Corvellan Bram is running already, but does not answer.\n", stderr);
+        return 1;
+    }
+
+    QApplication::setWindowIcon(applicationIcon());
+    RealParts parts{diagnostics};
+    AppDelegate delegate{environmentOf(parts, m_launchedAt)};
+    object.onActivate = [&delegate](const QString& token) { delegate.bringToFront(token); };
+    QSocketNotifier endNotifier{m_endSignals, QSocketNotifier::Read};
+    QObject::connect(&endNotifier, &QSocketNotifier::activated, &delegate, [&delegate] { delegate.quit(); });
+    delegate.applicationDidFinishLaunching();
+    const int status = QApplication::exec();
+    object.onActivate = {};
+    return status;
+}
+
+}  // namespace corvellan
