@@ -263,15 +263,14 @@ hasWindowManager() {
     xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'
 }
 
-# A bus that can activate nothing, so that no daemon of the desktop takes part.
-privateBus() {
-    privateFolder
-    cat >"$housePrivate/bus.conf" <<-CONF
+# busConfiguration SOCKET: of a bus that can activate nothing, so that no daemon of the desktop takes part.
+busConfiguration() {
+    cat <<-CONF
 		<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
 		 "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 		<busconfig>
 		  <type>session</type>
-		  <listen>unix:path=$housePrivate/run/bus</listen>
+		  <listen>unix:path=$1</listen>
 		  <policy context="default">
 		    <allow send_destination="*" eavesdrop="true"/>
 		    <allow eavesdrop="true"/>
@@ -279,6 +278,11 @@ privateBus() {
 		  </policy>
 		</busconfig>
 	CONF
+}
+
+privateBus() {
+    privateFolder
+    busConfiguration "$housePrivate/run/bus" >"$housePrivate/bus.conf"
     startChild dbus-daemon "$housePrivate/bus.log" dbus-daemon --config-file="$housePrivate/bus.conf" --nofork --nopidfile
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$housePrivate/run/bus"
     waitUntil 10 dbusCall org.freedesktop.DBus / org.freedesktop.DBus.GetId ||
