@@ -47,7 +47,8 @@ QString text(const char* bytes) {
 }
 
 PulseDefaultSource describe(const pa_source_info& info) {
-    PulseDefaultSource source{.name = text(info.name),
+    PulseDefaultSource source{.index = info.index,
+                              .name = text(info.name),
                               .driver = text(info.driver),
                               .isMonitor = info.monitor_of_sink != PA_INVALID_INDEX,
                               .properties = {}};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <expected>
 #include <map>
 #include <QString>
@@ -9,6 +10,8 @@ namespace corvellan {
 
 /// What the sound server says of the source that programs record by default.
 struct PulseDefaultSource {
+    /// The server's own number for it.
+    std::uint32_t index = 0;
     QString name;
     /// The part of the server that made it: "module-echo-cancel.c", "PipeWire".
     QString driver;

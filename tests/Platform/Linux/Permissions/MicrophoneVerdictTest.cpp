@@ -8,7 +8,7 @@ namespace corvellan {
 namespace {
 
 PulseDefaultSource source(bool isMonitor) {
-    return {.name = u"mic"_s, .driver = {}, .isMonitor = isMonitor, .properties = {}};
+    return {.index = 0, .name = u"mic"_s, .driver = {}, .isMonitor = isMonitor, .properties = {}};
 }
 
 TEST(MicrophoneVerdictTest, aRealSourceIsAuthorizedAndAMonitorIsNone) {

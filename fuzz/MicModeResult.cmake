@@ -1,0 +1,1 @@
+corvellan_fuzz(MicModeResult LINK Corvellan::Audio)
