@@ -1,31 +1,13 @@
 #pragma once
 
-#include <memory>
 #include <QWindow>
 
-#include "Platform/GlobalKeys.h"
 #include "Platform/Notifications.h"
 #include "Platform/WindowActivation.h"
 
 /// What stands behind seams of the desktop that this version does not fill. Each answers honestly that
 /// nothing is there.
 namespace corvellan {
-
-class AbsentGlobalKeys final : public GlobalKeys {
-public:
-    std::unique_ptr<GlobalKeyMonitor> addGlobalMonitor(std::function<void(const KeyDown&)>) override {
-        return std::make_unique<Monitor>();
-    }
-
-private:
-    class Monitor final : public GlobalKeyMonitor {
-    public:
-        [[nodiscard]] GlobalKeyWatch watch() const override { return GlobalKeyWatch::unavailable; }
-        [[nodiscard]] QString explanation() const override {
-            return QStringLiteral("Keys pressed in other programs do not reach this one.");
-        }
-    };
-};
 
 class AbsentNotificationCenter final : public NotificationCenter {
 public:

@@ -131,7 +131,7 @@ void AppDelegate::onGlobalKeyDown(const KeyDown& key) {
         m_viewModel->endSession();
         return;
     }
-    bringToFront();
+    bringToFront(key.activationToken);
     // Pressed twice in a hurry: the second attempt would take the first one's place, and the first one's
     // closing would end the call of both. One that still signs in may be replaced.
     if (!m_viewModel->isReachingServer())

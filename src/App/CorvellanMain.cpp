@@ -18,6 +18,7 @@
 #include "Models/MemoryStore.h"
 #include "Platform/CaptureHiding.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
+#include "Platform/Linux/Keys/LinuxGlobalKeys.h"
 #include "Platform/Linux/Permissions/DesktopPermissionSource.h"
 #include "Platform/Linux/Permissions/DesktopSettings.h"
 #include "Platform/Linux/Permissions/XdgLoginItems.h"
@@ -74,7 +75,7 @@ struct RealParts {
     DesktopSettings systemSettings{alerts};
     DesktopPermissionSource permissions{worker.executor(), audioInputs, bus};
     XdgLoginItems loginItems;
-    std::unique_ptr<GlobalKeys> globalKeys = std::make_unique<AbsentGlobalKeys>();
+    std::unique_ptr<GlobalKeys> globalKeys = makeGlobalKeys(clock);
     std::unique_ptr<NotificationCenter> notifications = std::make_unique<AbsentNotificationCenter>();
     std::unique_ptr<WindowActivation> activation = std::make_unique<PlainWindowActivation>();
     std::unique_ptr<CaptureHiding> captureHiding = std::make_unique<NoCaptureHiding>();

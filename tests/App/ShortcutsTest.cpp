@@ -20,7 +20,7 @@ protected:
         return press.isAccepted();
     }
 
-    static constexpr KeyDown hotkey{.key = PhysicalKey::j, .isCommandDown = true, .isShiftDown = true};
+    static inline const KeyDown hotkey{.key = PhysicalKey::j, .isCommandDown = true, .isShiftDown = true};
 };
 
 TEST_F(ShortcutsTest, globalKeyStartsWithAllDefaultsAndBringsTheWindowUp) {
@@ -51,7 +51,7 @@ TEST_F(ShortcutsTest, globalKeyEndsARunningSession) {
 }
 
 TEST_F(ShortcutsTest, otherKeysAndMissingModifiersDoNothing) {
-    for (const KeyDown key : {KeyDown{.key = PhysicalKey::j, .isCommandDown = true},
+    for (const KeyDown& key : {KeyDown{.key = PhysicalKey::j, .isCommandDown = true},
                               KeyDown{.key = PhysicalKey::j, .isShiftDown = true}, KeyDown{.key = PhysicalKey::j},
                               KeyDown{.key = PhysicalKey::space, .isCommandDown = true, .isShiftDown = true},
                               KeyDown{.key = PhysicalKey::other, .isCommandDown = true, .isShiftDown = true}})
