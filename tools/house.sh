@@ -239,17 +239,18 @@ privateHome() {
     unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME
 }
 
+# privateDisplay [WIDTHxHEIGHT]
 privateDisplay() {
     privateFolder
-    local cookie number
+    local cookie number size=${1:-1280x1024}
     cookie=$(od -An -N16 -tx1 /dev/urandom | tr -d ' \n')
     # The server takes every cookie of the file, whichever display it names.
     xauth -q -f "$housePrivate/xauthority" add :0 . "$cookie" 2>/dev/null
     : >"$housePrivate/display"
     # shellcheck disable=SC2016  # The inner shell expands these.
     startChild Xvfb "$housePrivate/xvfb.log" bash -c \
-        'exec Xvfb -displayfd 6 -screen 0 1280x1024x24 -nolisten tcp -noreset -auth "$1/xauthority" 6>"$1/display"' \
-        xvfb "$housePrivate"
+        'exec Xvfb -displayfd 6 -screen 0 "$2x24" -nolisten tcp -noreset -auth "$1/xauthority" 6>"$1/display"' \
+        xvfb "$housePrivate" "$size"
     waitUntil 20 grep -q . "$housePrivate/display" || die "Xvfb did not start: $(cat "$housePrivate/xvfb.log")"
     number=$(cat "$housePrivate/display")
     xauth -q -f "$housePrivate/xauthority" add ":$number" . "$cookie" 2>/dev/null

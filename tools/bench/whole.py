@@ -20,6 +20,7 @@ from program import Program, wait_for  # noqa: E402
 
 STARTS = 5
 SETTLE_SECONDS = 2.0
+IDLE_SECONDS = 10.0
 
 
 def start_program(path, log):
@@ -67,6 +68,18 @@ def bare_pipes(path, seconds=15):
     return sum(side["cpu_percent"] for side in sides), worst
 
 
+def idle_cpu(command, log):
+    """Percent of a core that it takes while nobody touches it."""
+    program = Program([str(command)], log)
+    try:
+        time.sleep(2 * SETTLE_SECONDS)
+        before = program.cpu_seconds()
+        time.sleep(IDLE_SECONDS)
+        return 100 * (program.cpu_seconds() - before) / IDLE_SECONDS
+    finally:
+        program.end()
+
+
 def start_rows(programs, log):
     home = Path(os.environ["HOME"])
     settings = home / ".config/corvellan/bram.ini"
@@ -83,6 +96,8 @@ def start_rows(programs, log):
         figure = statistics.median(entry[index] for entry in ours)
         other = statistics.median(entry[index] for entry in peer)
         found.append(rows.Row(what, f"{figure:.0f} {unit}", f"empty window {other:.0f} {unit}", rows.ratio_of(figure, other)))
+    cpu, other = idle_cpu(program, log), idle_cpu(bare, log)
+    found.append(rows.Row("CPU, idle", f"{cpu:.2f} %", f"empty window {other:.2f} %", rows.ratio_of(cpu, other)))
     return found
 
 
