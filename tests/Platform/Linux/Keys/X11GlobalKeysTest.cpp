@@ -9,7 +9,7 @@
 #include "Platform/Linux/Keys/LinuxGlobalKeys.h"
 #include "Platform/Linux/Keys/X11GlobalKeys.h"
 #include "Support/PrivateDisplay.h"
-#include "X11Keyboard.h"
+#include "Support/X11Keyboard.h"
 
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wkeyword-macro"

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "Support/TestLoop.h"
+#include "TestLoop.h"
 
 namespace corvellan::test {
 
@@ -103,12 +103,18 @@ private:
     void read() {
         while (auto* event = xcb_poll_for_event(m_connection)) {
             const int type = event->response_type & 0x7F;
-            if (type == XCB_FOCUS_IN)
-                m_hasFocus = true;
+            if (type == XCB_FOCUS_IN || type == XCB_FOCUS_OUT)
+                takeFocus(type, *reinterpret_cast<xcb_focus_in_event_t*>(event));
             else if (type == XCB_KEY_PRESS)
                 m_pressed.push_back(reinterpret_cast<xcb_key_press_event_t*>(event)->detail);
             std::free(event);
         }
+    }
+
+    /// A grab lends the keyboard out and leaves the focus where it is.
+    void takeFocus(int type, const xcb_focus_in_event_t& event) {
+        if (event.mode == XCB_NOTIFY_MODE_NORMAL || event.mode == XCB_NOTIFY_MODE_WHILE_GRABBED)
+            m_hasFocus = type == XCB_FOCUS_IN;
     }
 
     xcb_connection_t* m_connection;

@@ -1,0 +1,15 @@
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+
+#include "Base/Executor.h"
+#include "Support/TestLoop.h"
+
+int main(int argc, char** argv) {
+    QGuiApplication application{argc, argv};
+    application.setQuitOnLastWindowClosed(false);
+    corvellan::EventLoopExecutor main;
+    corvellan::test::setMainExecutor(main);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
