@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringDecoder>
 
 #include "Base/Text.h"
@@ -20,11 +21,17 @@ std::optional<QString> load() {
 }
 
 std::optional<QString> loadFrom(const QString& path) {
+    // A pipe in its place would keep its reader waiting.
     QFile file{path};
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo{path}.isFile() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    QStringDecoder decode{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
-    QString note = decode(file.readAll());
+    const QByteArray bytes = file.read(largestNoteBytes + 1);
+    if (bytes.size() > largestNoteBytes)
+        return std::nullopt;
+    // A byte-order mark is part of the text: without the second flag it would be dropped.
+    QStringDecoder decode{QStringDecoder::Utf8,
+                          QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom};
+    QString note = decode(bytes);
     if (decode.hasError() || text::trimmed(note).isEmpty())
         return std::nullopt;
     return note;

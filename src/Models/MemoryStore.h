@@ -9,7 +9,12 @@ namespace corvellan::MemoryStore {
 /// ".config/corvellan/memory.md" below the user's home directory.
 [[nodiscard]] QString filePath();
 
-/// The text as it stands; empty when the file does not read as UTF-8 or holds only white space.
+/// A larger file counts as one that can't be read: cutting it would change the text, and it is hundreds of times
+/// what is ever sent of a note.
+inline constexpr qsizetype largestNoteBytes = 1024 * 1024;
+
+/// The text as it stands, a byte-order mark included; empty when the file does not read as UTF-8, holds only
+/// white space, or is larger than `largestNoteBytes`.
 [[nodiscard]] std::optional<QString> load();
 
 /// As `load`, for a file anywhere.

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -43,6 +44,27 @@ TEST_F(MemoryStoreTest, givesTheTextAsItStands) {
 
 TEST_F(MemoryStoreTest, doesNotCutALongNote) {
     EXPECT_EQ(loadAfterWriting(QByteArray(5000, 'n'))->size(), 5000);
+}
+
+TEST_F(MemoryStoreTest, keepsAByteOrderMark) {
+    EXPECT_EQ(loadAfterWriting("\xEF\xBB\xBFNorth"), u"\uFEFFNorth"_s);
+}
+
+TEST_F(MemoryStoreTest, givesANoteOfTheLargestSizeWholeAndNoLargerOne) {
+    EXPECT_EQ(loadAfterWriting(QByteArray(MemoryStore::largestNoteBytes, 'n'))->size(), MemoryStore::largestNoteBytes);
+    EXPECT_EQ(loadAfterWriting(QByteArray(MemoryStore::largestNoteBytes + 1, 'n')), std::nullopt);
+}
+
+TEST_F(MemoryStoreTest, aPipeInItsPlaceGivesNothingAndIsNotWaitedFor) {
+    ASSERT_EQ(::mkfifo(path().toUtf8().constData(), 0600), 0);
+    EXPECT_EQ(MemoryStore::loadFrom(path()), std::nullopt);
+}
+
+TEST_F(MemoryStoreTest, aLinkIsFollowed) {
+    loadAfterWriting("North");
+    const QString link = path() + u".link"_s;
+    ASSERT_TRUE(QFile::link(path(), link));
+    EXPECT_EQ(MemoryStore::loadFrom(link), u"North"_s);
 }
 
 TEST_F(MemoryStoreTest, aMissingFileGivesNothing) {
