@@ -8,12 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace corvellan {
 
-namespace {
-
-constexpr int answerMilliseconds = 3000;
-
-}  // namespace
-
 const QString SingleInstance::name = u"com.teskara.CorvellanBram"_s;
 const QString SingleInstance::path = u"/com/teskara/CorvellanBram"_s;
 
@@ -38,7 +32,7 @@ SingleInstance::Outcome SingleInstance::handOver(const QString& activationToken)
         platformData.insert(u"desktop-startup-id"_s, activationToken);
     }
     call.setArguments({platformData});
-    const auto answer = m_bus.call(call, QDBus::Block, answerMilliseconds);
+    const auto answer = m_bus.call(call, QDBus::Block, static_cast<int>(m_patience.count()));
     return answer.type() == QDBusMessage::ReplyMessage ? Outcome::handedOver : Outcome::unreachable;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <QDBusConnection>
 #include <QString>
 
@@ -21,10 +22,13 @@ public:
     static const QString name;
     static const QString path;
 
-    explicit SingleInstance(QDBusConnection bus) : m_bus(std::move(bus)) {}
+    /// \param patience how long another instance has to answer.
+    explicit SingleInstance(QDBusConnection bus, std::chrono::milliseconds patience = std::chrono::seconds{3})
+        : m_bus(std::move(bus)),
+          m_patience(patience) {}
 
-    /// Exports `object` with its adaptors and takes the name. Waits up to 3 seconds for the answer of an
-    /// instance that has it.
+    /// Exports `object` with its adaptors and takes the name. Waits for the answer of an instance that has
+    /// it.
     ///
     /// \param activationToken the desktop's proof that the user started this one; may be empty.
     [[nodiscard]] Outcome claim(QObject& object, const QString& activationToken);
@@ -33,6 +37,7 @@ private:
     [[nodiscard]] Outcome handOver(const QString& activationToken);
 
     QDBusConnection m_bus;
+    std::chrono::milliseconds m_patience;
 };
 
 }  // namespace corvellan

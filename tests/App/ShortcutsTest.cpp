@@ -52,9 +52,9 @@ TEST_F(ShortcutsTest, globalKeyEndsARunningSession) {
 
 TEST_F(ShortcutsTest, otherKeysAndMissingModifiersDoNothing) {
     for (const KeyDown& key : {KeyDown{.key = PhysicalKey::j, .isCommandDown = true},
-                              KeyDown{.key = PhysicalKey::j, .isShiftDown = true}, KeyDown{.key = PhysicalKey::j},
-                              KeyDown{.key = PhysicalKey::space, .isCommandDown = true, .isShiftDown = true},
-                              KeyDown{.key = PhysicalKey::other, .isCommandDown = true, .isShiftDown = true}})
+                               KeyDown{.key = PhysicalKey::j, .isShiftDown = true}, KeyDown{.key = PhysicalKey::j},
+                               KeyDown{.key = PhysicalKey::space, .isCommandDown = true, .isShiftDown = true},
+                               KeyDown{.key = PhysicalKey::other, .isCommandDown = true, .isShiftDown = true}})
         desktop.keys.press(key);
     settle();
 
