@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QSocketNotifier>
 
-#include "AbsentDesktop.h"
 #include "App/Alerts/MessageBoxAlerts.h"
 #include "App/Icon/ApplicationIcon.h"
 #include "App/MenuBar/TrayStatusBar.h"
@@ -17,8 +16,10 @@
 #include "Base/SettingsPreferences.h"
 #include "Models/MemoryStore.h"
 #include "Platform/CaptureHiding.h"
+#include "Platform/Linux/Activation/DesktopActivation.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
 #include "Platform/Linux/Keys/LinuxGlobalKeys.h"
+#include "Platform/Linux/Notifications/DesktopNotifications.h"
 #include "Platform/Linux/Permissions/DesktopPermissionSource.h"
 #include "Platform/Linux/Permissions/DesktopSettings.h"
 #include "Platform/Linux/Permissions/XdgLoginItems.h"
@@ -76,8 +77,8 @@ struct RealParts {
     DesktopPermissionSource permissions{worker.executor(), audioInputs, bus};
     XdgLoginItems loginItems;
     std::unique_ptr<GlobalKeys> globalKeys = makeGlobalKeys(clock);
-    std::unique_ptr<NotificationCenter> notifications = std::make_unique<AbsentNotificationCenter>();
-    std::unique_ptr<WindowActivation> activation = std::make_unique<PlainWindowActivation>();
+    DesktopNotifications notifications{bus};
+    DesktopActivation activation;
     std::unique_ptr<CaptureHiding> captureHiding = std::make_unique<NoCaptureHiding>();
     TrayStatusBar statusBar;
     AbsentHandoffWindow handoffWindow;
@@ -99,14 +100,14 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .tokenFilePath = QDir::homePath() + u"/.config/corvellan/auth.json"_s,
                     .loadMemoryNote = [] { return MemoryStore::load(); }},
         .services = parts.services,
-        .desktop = {.notifications = *parts.notifications,
+        .desktop = {.notifications = parts.notifications,
                     .globalKeys = *parts.globalKeys,
                     .statusBar = parts.statusBar,
                     .loginItems = parts.loginItems,
                     .permissions = parts.permissions,
                     .systemSettings = parts.systemSettings,
                     .alerts = parts.alerts,
-                    .activation = *parts.activation,
+                    .activation = parts.activation,
                     .captureHiding = *parts.captureHiding},
         .handoffWindow = parts.handoffWindow,
         .updateFeed = parts.updateFeed,
