@@ -41,16 +41,11 @@ namespace {
 
 class TrayStatusItem final : public QObject, public StatusItem {
 public:
-    using Choose = std::function<bool()>;
+    using HasTray = std::function<bool()>;
 
-    TrayStatusItem(const TrayHosts& hosts, Choose hasTray) : m_hasTray(std::move(hasTray)) {
+    TrayStatusItem(const TrayHosts& hosts, HasTray hasTray) : m_hasTray(std::move(hasTray)) {
         connect(&hosts, &TrayHosts::changed, this, &TrayStatusItem::appear);
         appear();
-    }
-
-    ~TrayStatusItem() override {
-        // The icon holds the menu.
-        m_icon.reset();
     }
 
     void setImage(const QString& symbol, const QString& accessibilityDescription) override {
@@ -86,10 +81,11 @@ private:
         m_icon->setVisible(!m_image.isNull());
     }
 
-    Choose m_hasTray;
+    HasTray m_hasTray;
     QIcon m_image;
     QString m_description;
     std::function<void()> m_onActivated;
+    /// Outlives the icon, which shows it.
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QSystemTrayIcon> m_icon;
 };
