@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <memory>
 
 namespace corvellan::text {
@@ -88,6 +89,23 @@ QString trimmed(QStringView text) {
 
 bool isBlank(QStringView text) {
     return std::ranges::all_of(text, [](QChar character) { return character == u' ' || character == u'\t'; });
+}
+
+std::optional<double> number(QStringView text) {
+    const auto bytes = text.toUtf8();
+    const char* begin = bytes.constData();
+    const char* const end = begin + bytes.size();
+    // Only a minus is known to the conversion, and after a plus it must not take one.
+    if (begin != end && *begin == '+') {
+        ++begin;
+        if (begin != end && *begin == '-')
+            return std::nullopt;
+    }
+    double value = 0;
+    const auto read = std::from_chars(begin, end, value);
+    if (read.ec != std::errc{} || read.ptr != end || !std::isfinite(value))
+        return std::nullopt;
+    return value;
 }
 
 QString fixed(double value, int decimals) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <QString>
 
 /// Text as people count and trim it. "Characters" are grapheme clusters, by ICU's break iterator.
@@ -20,6 +21,9 @@ namespace corvellan::text {
 
 /// Nothing is left after trimming blanks (U+0020) and tabs (U+0009) alone.
 [[nodiscard]] bool isBlank(QStringView text);
+
+/// A decimal number from end to end, as "12.5", "-3e2", "+.5": no blanks, no "inf", nothing beyond a double.
+[[nodiscard]] std::optional<double> number(QStringView text);
 
 /// As "%f" and its kin in the C locale: `value` with `decimals` digits behind the point, exact ties to even.
 [[nodiscard]] QString fixed(double value, int decimals);

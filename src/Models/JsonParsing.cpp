@@ -16,6 +16,14 @@ namespace {
 
 namespace json = boost::json;
 
+/// The nearest value. The parser's own may be one step off; empty beyond the range, where it knows the way.
+std::optional<double> nearestDouble(std::string_view text) {
+    double number = 0;
+    if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc{})
+        return std::nullopt;
+    return number;
+}
+
 /// Builds the value while the parser reads. It differs from the library's own builder in one thing:
 /// that one turns every number with a point or an exponent into a `double`, and integers beyond 64
 /// bits as well, so that digits get lost and a fraction can pass for an integer.
@@ -72,7 +80,7 @@ struct ExactBuilder {
     bool on_double(double number, std::string_view text, json::error_code&) {
         const auto whole = wholeNumber(text);
         if (!whole)
-            values.push_double(number);
+            values.push_double(nearestDouble(text).value_or(number));
         else if (const auto* const value = std::get_if<std::int64_t>(&*whole))
             values.push_int64(*value);
         else

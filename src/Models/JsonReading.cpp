@@ -1,6 +1,7 @@
 #include "JsonReading.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Utf8.h"
 
@@ -28,6 +29,16 @@ const char* kindName(boost::json::kind kind) {
 }
 
 }  // namespace
+
+std::optional<double> doubleIn(const boost::json::value& value) {
+    if (const auto* const number = value.if_double())
+        return *number;
+    if (const auto* const number = value.if_int64())
+        return static_cast<double>(*number);
+    if (const auto* const number = value.if_uint64())
+        return static_cast<double>(*number);
+    return std::nullopt;
+}
 
 QString FieldPath::text() const {
     const QString before = parent ? parent->text() : QString{};
@@ -63,6 +74,16 @@ void ValueReader::read(const Value& value, QString& text, const FieldPath& path)
         text = textFromUtf8({string->data(), static_cast<qsizetype>(string->size())});
     else
         failType(value, "a string", path);
+}
+
+void ValueReader::read(const Value& value, double& number, const FieldPath& path) {
+    const auto found = doubleIn(value);
+    if (found && std::isfinite(*found))
+        number = *found;
+    else if (found)
+        fail(DecodingError::Kind::outOfRange, path, {});
+    else
+        failType(value, "a number", path);
 }
 
 void ValueReader::read(const Value& value, bool& flag, const FieldPath& path) {

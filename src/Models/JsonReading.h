@@ -28,6 +28,9 @@ struct FieldPath {
     [[nodiscard]] QString text() const;
 };
 
+/// Any JSON number, infinite when it is beyond a double; empty for everything else.
+[[nodiscard]] std::optional<double> doubleIn(const boost::json::value& value);
+
 /// Reads values of one message into plain ones. The first failure stays.
 class ValueReader {
 public:
@@ -39,6 +42,7 @@ public:
 
     void read(const Value& value, QString& text, const FieldPath& path);
     void read(const Value& value, bool& flag, const FieldPath& path);
+    void read(const Value& value, double& number, const FieldPath& path);
     void read(const Value& value, QStringList& list, const FieldPath& path) { readList(value, list, path); }
     template <typename T>
     void read(const Value& value, std::vector<T>& list, const FieldPath& path) {
@@ -70,7 +74,7 @@ public:
             failUnknownWord(*word, path);
     }
 
-    /// A record that ProtocolFields.h tells the fields of.
+    /// A record that ProtocolFields.h tells the fields of, or a value that a function `readWhole` reads.
     template <typename Record>
         requires std::is_class_v<Record>
     void read(const Value& value, Record& record, const FieldPath& path);
@@ -158,11 +162,15 @@ private:
 template <typename Record>
     requires std::is_class_v<Record>
 void ValueReader::read(const Value& value, Record& record, const FieldPath& path) {
-    const auto* const object = value.if_object();
-    if (!object)
-        return failType(value, "an object", path);
-    FieldReader reader{*object, *this, &path};
-    fields(reader, record);
+    if constexpr (requires { readWhole(*this, value, record, path); }) {
+        readWhole(*this, value, record, path);
+    } else {
+        const auto* const object = value.if_object();
+        if (!object)
+            return failType(value, "an object", path);
+        FieldReader reader{*object, *this, &path};
+        fields(reader, record);
+    }
 }
 
 }  // namespace corvellan

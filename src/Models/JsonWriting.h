@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <boost/json/array.hpp>
+#include <boost/json/monotonic_resource.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/value.hpp>
+#include <cmath>
 #include <concepts>
 #include <optional>
 #include <QByteArray>
@@ -34,6 +37,10 @@ public:
     [[nodiscard]] Value json(T number) const {
         return Value(number, m_memory);
     }
+    /// A null for what no JSON number can tell.
+    [[nodiscard]] Value json(double number) const {
+        return std::isfinite(number) ? Value(number, m_memory) : Value(nullptr, m_memory);
+    }
     template <typename Enumeration>
         requires std::is_enum_v<Enumeration>
     [[nodiscard]] Value json(Enumeration value) const {
@@ -44,7 +51,7 @@ public:
     [[nodiscard]] Value json(const std::vector<T>& list) const {
         return jsonList(list);
     }
-    /// A record that ProtocolFields.h tells the fields of.
+    /// A record that ProtocolFields.h tells the fields of, or a value that a function `writeWhole` writes.
     template <typename Record>
         requires std::is_class_v<Record>
     [[nodiscard]] Value json(const Record& record) const;
@@ -102,12 +109,33 @@ private:
 template <typename Record>
     requires std::is_class_v<Record>
 boost::json::value ValueWriter::json(const Record& record) const {
-    boost::json::object object(m_memory);
-    FieldWriter writer{object};
-    fields(writer, record);
-    return Value(std::move(object));
+    if constexpr (requires { writeWhole(*this, record); }) {
+        return writeWhole(*this, record);
+    } else {
+        boost::json::object object(m_memory);
+        FieldWriter writer{object};
+        fields(writer, record);
+        return Value(std::move(object));
+    }
 }
 
 [[nodiscard]] QByteArray serialized(const boost::json::value& value);
+
+/// Memory for one message on the stack; what does not fit goes to the heap.
+class MessageMemory {
+public:
+    [[nodiscard]] boost::json::storage_ptr storage() { return &m_memory; }
+
+private:
+    std::array<unsigned char, 8 * 1024> m_firstMemory;
+    boost::json::monotonic_resource m_memory{m_firstMemory.data(), m_firstMemory.size()};
+};
+
+/// Any value that a `ValueWriter` knows, as JSON.
+template <typename T>
+QByteArray encodeValue(const T& value) {
+    MessageMemory memory;
+    return serialized(ValueWriter{memory.storage()}.json(value));
+}
 
 }  // namespace corvellan

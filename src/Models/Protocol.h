@@ -25,7 +25,14 @@ namespace corvellan {
 
 /// Why bytes did not decode.
 struct DecodingError {
-    enum class Kind { notJson, missingField, wrongType, outOfRange, unknownValue };
+    enum class Kind {
+        notJson,
+        missingField,
+        wrongType,
+        outOfRange,
+        unknownValue,
+        dataCorrupted,  ///< Text that is no date or the like; `detail` tells all of it.
+    };
 
     Kind kind = Kind::notJson;
     QString path;    ///< The field, with the objects around it: "state.disc.type".

@@ -1,5 +1,5 @@
-#include "JsonReading.h"
 #include "ProtocolFields.h"
+#include "RecordCoding.h"
 
 using namespace Qt::StringLiterals;
 
@@ -9,47 +9,6 @@ namespace {
 
 // Enough of an unknown type to recognise it in a log.
 constexpr qsizetype shownCharacters = 60;
-
-/// Parses `json` and hands its object to `read`, which takes a `FieldReader` and a `ValueReader`.
-template <typename T, typename Read>
-Decoded<T> decodeObject(QByteArrayView json, Read read) {
-    JsonDocument document;
-    const auto root = document.parse(json);
-    if (!root)
-        return std::unexpected(Error{root.error()});
-    ValueReader values;
-    T result;
-    if (const auto* const object = (*root)->if_object()) {
-        FieldReader fieldReader{*object, values};
-        read(fieldReader, values, result);
-    } else {
-        values.fail(DecodingError::Kind::wrongType, {}, u"expected an object"_s);
-    }
-    if (values.failure())
-        return std::unexpected(Error{*values.failure()});
-    return result;
-}
-
-template <typename Record>
-Decoded<Record> decodeRecord(QByteArrayView json) {
-    return decodeObject<Record>(json,
-                                [](FieldReader& reader, ValueReader&, Record& record) { fields(reader, record); });
-}
-
-/// Any list that a `ValueReader` knows.
-template <typename List>
-Decoded<List> decodeList(QByteArrayView json) {
-    JsonDocument document;
-    const auto root = document.parse(json);
-    if (!root)
-        return std::unexpected(Error{root.error()});
-    ValueReader values;
-    List list;
-    values.read(**root, list, {});
-    if (values.failure())
-        return std::unexpected(Error{*values.failure()});
-    return list;
-}
 
 /// Reads the message whose word is `word` into `value`. False when no message of the family has it.
 template <typename... Messages>
@@ -85,9 +44,12 @@ QString DecodingError::errorDescription() const {
                                   : u"The field \"%1\" has the wrong type"_s.arg(path);
         case Kind::outOfRange: return u"The number in the field \"%1\" does not fit"_s.arg(path);
         case Kind::unknownValue: return u"The field \"%1\" has an unknown value"_s.arg(path);
+        case Kind::dataCorrupted: return QString{};
         }
         Q_UNREACHABLE();
     }();
+    if (sentence.isEmpty())
+        return detail;
     return detail.isEmpty() ? sentence : sentence + u": "_s + detail;
 }
 

@@ -1,5 +1,3 @@
-#include <array>
-#include <boost/json/monotonic_resource.hpp>
 #include <exception>
 
 #include "JsonWriting.h"
@@ -8,22 +6,6 @@
 namespace corvellan {
 
 namespace {
-
-/// Memory for one message on the stack; what does not fit goes to the heap.
-class MessageMemory {
-public:
-    [[nodiscard]] boost::json::storage_ptr storage() { return &m_memory; }
-
-private:
-    std::array<unsigned char, 8 * 1024> m_firstMemory;
-    boost::json::monotonic_resource m_memory{m_firstMemory.data(), m_firstMemory.size()};
-};
-
-template <typename T>
-QByteArray encodeValue(const T& value) {
-    MessageMemory memory;
-    return serialized(ValueWriter{memory.storage()}.json(value));
-}
 
 template <typename Family>
 std::expected<QByteArray, Error> encodeMessage(std::string_view typeKey, const Family& family) {

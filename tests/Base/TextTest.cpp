@@ -45,5 +45,16 @@ TEST(TextTest, fixedIsExactAndWithoutLocale) {
     EXPECT_EQ(text::fixed(2.5, 0), u"2");
 }
 
+TEST(TextTest, aNumberIsOneFromEndToEnd) {
+    EXPECT_EQ(text::number(u"12.5"), 12.5);
+    EXPECT_EQ(text::number(u"-3e2"), -300);
+    EXPECT_EQ(text::number(u"+.5"), 0.5);
+    EXPECT_EQ(text::number(u"5."), 5);
+    EXPECT_EQ(text::number(u"0.1"), 0.1);
+    for (const auto* text : {u"", u" 1", u"1 ", u"1,5", u"1.5.2", u"inf", u"-Infinity", u"nan", u"0x1p3", u"+-1",
+                             u"--1", u"+", u".", u"e5", u"1e999", u"١٢", u"twelve"})
+        EXPECT_EQ(text::number(text), std::nullopt) << QString::fromUtf16(text).toStdString();
+}
+
 }  // namespace
 }  // namespace corvellan::test

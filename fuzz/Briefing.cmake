@@ -1,0 +1,1 @@
+corvellan_fuzz(Briefing LINK Corvellan::Models)

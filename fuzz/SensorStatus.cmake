@@ -1,0 +1,1 @@
+corvellan_fuzz(SensorStatus LINK Corvellan::Models)

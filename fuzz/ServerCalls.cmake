@@ -1,0 +1,1 @@
+corvellan_fuzz(ServerCalls LINK Corvellan::Models)
