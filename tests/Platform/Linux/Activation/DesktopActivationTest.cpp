@@ -65,6 +65,32 @@ TEST_F(DesktopActivationTest, takesTheKeyboardFromAnotherProgram) {
     expectKeyboard();
 }
 
+TEST_F(DesktopActivationTest, asksAsATaskbarDoes) {
+    // What makes a manager grant it that protects the program in use; this one grants either kind.
+    show();
+    xcb_connection_t* connection = xcb_connect(display.constData(), nullptr);
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &events);
+    // The answer shows that the server knows.
+    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+
+    activation.activateIgnoringOtherApps(window, {});
+    std::optional<xcb_client_message_event_t> request;
+    EXPECT_TRUE(spinUntil([&] {
+        while (auto* event = xcb_poll_for_event(connection)) {
+            if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE)
+                request = *reinterpret_cast<xcb_client_message_event_t*>(event);
+            std::free(event);
+        }
+        return request.has_value();
+    }));
+    xcb_disconnect(connection);
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->window, window.winId());
+    EXPECT_EQ(request->data.data32[0], 2U);
+}
+
 TEST_F(DesktopActivationTest, takesItAsOftenAsItIsAsked) {
     show();
     for (int i = 0; i < 3; ++i) {

@@ -167,6 +167,16 @@ TEST_F(X11GlobalKeysTest, aHeldKeyRepeatsNothing) {
     EXPECT_THAT(comes(), ElementsAre(plainJ));
 }
 
+TEST_F(X11GlobalKeysTest, aServerThatRepeatsRawPressesRepeatsNothing) {
+    // As one does that runs inside a window of another.
+    watch();
+    for (int i = 0; i < 3; ++i)
+        typist->press(keycode::j);
+    typist->release(keycode::j);
+    typist->type({keycode::j});
+    EXPECT_THAT(comes(), ElementsAre(plainJ, plainJ));
+}
+
 TEST_F(X11GlobalKeysTest, aGrabbedKeyboardHidesNothing) {
     watch();
     other->grabKeyboard();
