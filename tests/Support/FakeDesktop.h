@@ -17,6 +17,7 @@
 #include "Platform/StatusBar.h"
 #include "Platform/WebBrowser.h"
 #include "Platform/WindowActivation.h"
+#include "TestLoop.h"
 
 /// Stand-ins for what a desktop gives, at the line that `Platform` draws. They live on the main thread, do at
 /// once what they are asked, note it in one log, and can be told to fail or to keep the caller waiting.
@@ -252,10 +253,18 @@ private:
     CallLog& m_log;
 };
 
-/// Keeps an alert open until `press`, unless `answer` says what the user presses at once.
+/// Keeps an alert open until `press`, unless `answer` says what the user presses at once. Alerts that are open when
+/// it goes are closed as by the user.
 class FakeAlertPresenter final : public AlertPresenter {
 public:
     explicit FakeAlertPresenter(CallLog& log) : m_log(log) {}
+    ~FakeAlertPresenter() override {
+        if (m_open.empty())
+            return;
+        for (const auto& producer : m_open)
+            producer.finish();
+        settle();
+    }
 
     QCoro::Task<std::size_t> runModal(Alert alert) override {
         m_log.emplace_back("alerts.runModal");

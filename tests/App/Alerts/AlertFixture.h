@@ -14,6 +14,12 @@ namespace corvellan::test {
 
 class AlertFixture : public testing::Test {
 protected:
+    /// Who still waits for an answer gets one, and ends.
+    ~AlertFixture() override {
+        alerts.reset();
+        settle();
+    }
+
     struct Answer {
         std::optional<std::size_t> button;
     };
