@@ -92,7 +92,10 @@ class AppFixture : public testing::Test {
 protected:
     AppFixture() { preferences.setString(QStringLiteral("serverMode"), QStringLiteral("local")); }
 
-    ~AppFixture() override {
+    ~AppFixture() override { takeDown(); }
+
+    /// Also for the destructors of tests that own something which the delegate uses.
+    void takeDown() {
         if (!m_delegate)
             return;
         auto& session = m_delegate->viewModel();
@@ -128,6 +131,10 @@ protected:
         services.ws->deliver(ServerMsg::Value{SessionFixture::started()});
         settle();
     }
+
+    // Stand-ins, unless a test has the real ones.
+    virtual NotificationCenter& notificationCenter() { return desktop.notifications; }
+    virtual WindowActivation& windowActivation() { return desktop.activation; }
 
     [[nodiscard]] qsizetype count(const std::string& step) const { return std::ranges::count(log, step); }
 
@@ -167,14 +174,14 @@ private:
                         .tokenFilePath = folder.filePath(QStringLiteral("auth.json")),
                         .loadMemoryNote = {}},
             .services = services,
-            .desktop = {.notifications = desktop.notifications,
+            .desktop = {.notifications = notificationCenter(),
                         .globalKeys = desktop.keys,
                         .statusBar = desktop.statusBar,
                         .loginItems = desktop.loginItems,
                         .permissions = desktop.permissions,
                         .systemSettings = desktop.settings,
                         .alerts = desktop.alerts,
-                        .activation = desktop.activation,
+                        .activation = windowActivation(),
                         .captureHiding = captureHiding},
             .handoffWindow = handoffWindow,
             .updateFeed = updateFeed,
