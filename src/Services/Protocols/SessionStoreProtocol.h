@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <QCoroTask>
+#include <QSet>
 #include <vector>
 
 #include "Base/Error.h"
@@ -33,6 +34,11 @@ public:
     virtual QCoro::Task<void> insert(SessionRecord record) = 0;
     /// Replaces the record of the same id; nothing happens when there is none.
     virtual QCoro::Task<void> update(SessionRecord record) = 0;
+    /// As `insert` for each, in order; the live query hears of them once.
+    virtual QCoro::Task<void> insertAll(std::vector<SessionRecord> records) = 0;
+    /// Changes one record as it stands then, so that two changes never undo each other; nothing happens when
+    /// there is none of that id. `edit` runs on the store's executor and keeps the id.
+    virtual QCoro::Task<void> change(QUuid id, std::function<void(SessionRecord&)> edit) = 0;
     /// Makes everything since the last save durable, in one transaction. After a failure the changes
     /// are kept, and the next save tries them again.
     virtual QCoro::Task<std::expected<void, Error>> save() = 0;
@@ -40,6 +46,14 @@ public:
     virtual QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() = 0;
     /// One record; empty when there is none of that id.
     virtual QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) = 0;
+
+    /// Which of the server's calls the records are of.
+    struct CallIds {
+        qsizetype records = 0;  ///< All records, also those of no such call.
+        QSet<QString> callIds;
+    };
+    /// The records themselves are not read.
+    virtual QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() = 0;
 
     /// An immutable picture of the index, newest first.
     using Index = std::shared_ptr<const std::vector<SessionIndexEntry>>;

@@ -284,6 +284,20 @@ std::expected<bool, StoreError> SessionDatabase::contains(QUuid id) {
     });
 }
 
+std::expected<SessionStoreProtocol::CallIds, StoreError> SessionDatabase::readCallIds() {
+    return guarded([&] {
+        SessionStoreProtocol::CallIds found;
+        SQLite::Statement statement{*m_database, "SELECT callId FROM SessionRecord INDEXED BY SessionRecordCallIds"};
+        while (statement.executeStep()) {
+            ++found.records;
+            RowReader row{statement};
+            if (const auto callId = row.optionalText())
+                found.callIds.insert(*callId);
+        }
+        return found;
+    });
+}
+
 std::expected<std::vector<StoredIndexEntry>, StoreError> SessionDatabase::readIndex() {
     return guarded([&] {
         std::vector<StoredIndexEntry> entries;

@@ -58,6 +58,8 @@ public:
     [[nodiscard]] std::expected<std::vector<StoredRecord>, StoreError> readAll();
     [[nodiscard]] std::expected<std::optional<SessionRecord>, StoreError> read(QUuid id);
     [[nodiscard]] std::expected<bool, StoreError> contains(QUuid id);
+    /// Reads an index of the database alone.
+    [[nodiscard]] std::expected<SessionStoreProtocol::CallIds, StoreError> readCallIds();
     /// Newest first. Reads an index of the database that holds the few columns it needs, and never
     /// the transcripts.
     [[nodiscard]] std::expected<std::vector<StoredIndexEntry>, StoreError> readIndex();

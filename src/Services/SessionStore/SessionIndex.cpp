@@ -1,6 +1,8 @@
 #include "SessionIndex.h"
 
 #include <algorithm>
+#include <functional>
+#include <QSet>
 #include <utility>
 
 namespace corvellan {
@@ -61,6 +63,40 @@ void SessionIndex::put(const StoredIndexEntry& stored) {
     picture->push_back(stored.entry);
     numbers.push_back(inserted);
     copyWithoutPrevious(place, old.size());
+    m_entries = std::move(picture);
+    m_inserted = std::move(numbers);
+}
+
+void SessionIndex::putAll(std::vector<StoredIndexEntry> stored) {
+    QSet<QUuid> ids;
+    for (const auto& each : stored)
+        ids.insert(each.entry.id);
+    const bool isAnyKnown = std::ranges::any_of(*m_entries, [&](const auto& entry) { return ids.contains(entry.id); });
+    if (isAnyKnown || std::cmp_less(ids.size(), stored.size())) {
+        for (const auto& each : stored)
+            put(each);
+        return;
+    }
+    const auto date = [](const StoredIndexEntry& each) { return std::pair{each.entry.createdDate, each.inserted}; };
+    std::ranges::sort(stored, std::greater{}, date);
+
+    const auto& old = *m_entries;
+    auto picture = std::make_shared<std::vector<SessionIndexEntry>>();
+    picture->reserve(old.size() + stored.size());
+    std::vector<InsertionNumber> numbers;
+    numbers.reserve(old.size() + stored.size());
+    auto next = stored.begin();
+    const auto take = [&](SessionIndexEntry entry, InsertionNumber number) {
+        picture->push_back(std::move(entry));
+        numbers.push_back(number);
+    };
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        for (; next != stored.end() && date(*next) > std::pair{old[i].createdDate, m_inserted[i]}; ++next)
+            take(std::move(next->entry), next->inserted);
+        take(old[i], m_inserted[i]);
+    }
+    for (; next != stored.end(); ++next)
+        take(std::move(next->entry), next->inserted);
     m_entries = std::move(picture);
     m_inserted = std::move(numbers);
 }

@@ -18,6 +18,9 @@ public:
     /// Adds the entry, or replaces the one of the same id, which then keeps its own insertion number.
     void put(const StoredIndexEntry& stored);
 
+    /// As `put` for each, in order, in one pass over the entries as long as they are new.
+    void putAll(std::vector<StoredIndexEntry> stored);
+
     [[nodiscard]] SessionStoreProtocol::Index picture() const { return m_entries; }
 
 private:

@@ -15,6 +15,9 @@ constexpr const char* createIndex =
     "CREATE INDEX IF NOT EXISTS SessionRecordIndex ON SessionRecord"
     " (createdDate, id, durationSecs, meddicData, wasTrainMode, companyName, audienceRaw)";
 
+// Stands behind the transcripts in a row, too.
+constexpr const char* createCallIdIndex = "CREATE INDEX IF NOT EXISTS SessionRecordCallIds ON SessionRecord (callId)";
+
 std::string definition(const SchemaColumn& column) {
     const std::string text = std::string{column.name} + ' ' + column.type;
     return column.presence == Presence::required ? text + " NOT NULL" : text;
@@ -61,9 +64,12 @@ SchemaState schemaState(SQLite::Database& database, int version) {
             return SchemaState::foreign;
         isComplete = false;
     }
-    SQLite::Statement index{database,
-                            "SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = 'SessionRecordIndex'"};
-    isComplete = isComplete && index.executeStep() && database.execAndGet("PRAGMA user_version").getInt() == version;
+    SQLite::Statement indexes{database,
+                              "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name IN"
+                              " ('SessionRecordIndex', 'SessionRecordCallIds')"};
+    constexpr int indexCount = 2;
+    const bool hasIndexes = indexes.executeStep() && indexes.getColumn(0).getInt() == indexCount;
+    isComplete = isComplete && hasIndexes && database.execAndGet("PRAGMA user_version").getInt() == version;
     return isComplete ? SchemaState::complete : SchemaState::incomplete;
 }
 
@@ -80,6 +86,7 @@ void completeSchema(SQLite::Database& database, int version) {
         if (!present.empty() && !present.contains(column.name))
             database.exec("ALTER TABLE SessionRecord ADD COLUMN " + definition(column));
     database.exec(createIndex);
+    database.exec(createCallIdIndex);
     database.exec("PRAGMA user_version = " + std::to_string(version));
     transaction.commit();
 }

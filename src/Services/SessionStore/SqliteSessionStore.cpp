@@ -79,6 +79,42 @@ public:
             put(std::move(record));
     }
 
+    void insertAll(std::vector<SessionRecord> records) {
+        std::vector<StoredIndexEntry> entries;
+        entries.reserve(records.size());
+        for (auto& record : records) {
+            const auto& pending = keep(std::move(record));
+            entries.push_back({pending.inserted, indexEntry(pending.record)});
+        }
+        if (m_isIndexLoaded) {
+            m_index.putAll(std::move(entries));
+            publish();
+        }
+    }
+
+    void change(QUuid id, const std::function<void(SessionRecord&)>& edit) {
+        auto found = fetch(id);
+        if (!found || !*found)
+            return;
+        edit(**found);
+        put(std::move(**found));
+    }
+
+    std::expected<CallIds, Error> fetchCallIds() {
+        if (!m_database)
+            return std::unexpected(noStore());
+        auto stored = m_database->readCallIds();
+        if (!stored)
+            return std::unexpected(stored.error());
+        for (const auto& pending : m_pending) {
+            if (!m_database->contains(pending.record.id).value_or(false))
+                ++stored->records;
+            if (pending.record.callId)
+                stored->callIds.insert(*pending.record.callId);
+        }
+        return std::move(*stored);
+    }
+
     std::expected<void, Error> save() {
         if (m_pending.empty())
             return {};
@@ -139,6 +175,15 @@ private:
     }
 
     void put(SessionRecord record) {
+        const auto& pending = keep(std::move(record));
+        if (m_isIndexLoaded) {
+            m_index.put({pending.inserted, indexEntry(pending.record)});
+            publish();
+        }
+    }
+
+    /// Among the changes until the next save; good until the next change.
+    const StoredRecord& keep(SessionRecord record) {
         const auto known = m_pendingPlaces.constFind(record.id);
         const auto place = known == m_pendingPlaces.constEnd() ? m_pending.size() : *known;
         if (place == m_pending.size()) {
@@ -146,10 +191,7 @@ private:
             m_pending.push_back({m_nextInsertion++, {}});
         }
         m_pending[place].record = std::move(record);
-        if (m_isIndexLoaded) {
-            m_index.put({m_pending[place].inserted, indexEntry(m_pending[place].record)});
-            publish();
-        }
+        return m_pending[place];
     }
 
     /// Lays the changes that are not saved yet over what the file holds.
@@ -236,6 +278,21 @@ QCoro::Task<void> SqliteSessionStore::insert(SessionRecord record) {
 QCoro::Task<void> SqliteSessionStore::update(SessionRecord record) {
     auto work = [core = m_core, record = std::move(record)]() mutable { core->update(std::move(record)); };
     co_await m_executor.call(std::move(work));
+}
+
+QCoro::Task<void> SqliteSessionStore::insertAll(std::vector<SessionRecord> records) {
+    auto work = [core = m_core, records = std::move(records)]() mutable { core->insertAll(std::move(records)); };
+    co_await m_executor.call(std::move(work));
+}
+
+QCoro::Task<void> SqliteSessionStore::change(QUuid id, std::function<void(SessionRecord&)> edit) {
+    auto work = [core = m_core, id, edit = std::move(edit)] { core->change(id, edit); };
+    co_await m_executor.call(std::move(work));
+}
+
+QCoro::Task<std::expected<SessionStoreProtocol::CallIds, Error>> SqliteSessionStore::fetchCallIds() {
+    auto work = [core = m_core] { return core->fetchCallIds(); };
+    co_return co_await m_executor.call(std::move(work));
 }
 
 QCoro::Task<std::expected<void, Error>> SqliteSessionStore::save() {

@@ -41,9 +41,12 @@ public:
     /// A record of an id that is known already replaces that one.
     QCoro::Task<void> insert(SessionRecord record) override;
     QCoro::Task<void> update(SessionRecord record) override;
+    QCoro::Task<void> insertAll(std::vector<SessionRecord> records) override;
+    QCoro::Task<void> change(QUuid id, std::function<void(SessionRecord&)> edit) override;
     QCoro::Task<std::expected<void, Error>> save() override;
     QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() override;
     QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) override;
+    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() override;
     [[nodiscard]] std::shared_ptr<void> observe(std::function<void(Index)> changed) override;
 
 private:

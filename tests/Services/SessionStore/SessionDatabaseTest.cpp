@@ -352,4 +352,30 @@ TEST_F(SessionDatabaseTest, whatWasWrittenOutlivesAProcessThatIsKilled) {
     EXPECT_EQ(all(), std::vector{full});
 }
 
+TEST_F(SessionDatabaseTest, tellsWhichCallsItsRecordsAreOf) {
+    auto database = SessionDatabase::open(path()).value();
+    EXPECT_EQ(database->readCallIds().value().records, 0);
+    auto second = record(u"b"_s);
+    second.callId = u"c-1"_s;
+    auto third = record(u"c"_s);
+    third.callId = u"C-2"_s;
+    const std::vector records{record(u"a"_s), second, third, fullRecord()};
+    ASSERT_TRUE(database->write(records));
+    const auto found = database->readCallIds().value();
+    EXPECT_EQ(found.records, 4);
+    EXPECT_EQ(found.callIds, (QSet{u"c-1"_s, u"C-2"_s}));
+}
+
+TEST_F(SessionDatabaseTest, aStoreWithoutAnIndexGetsItAndKeepsItsRecords) {
+    const auto full = fullRecord();
+    ASSERT_TRUE(SessionDatabase::open(path()).value()->write(std::span{&full, 1}));
+    for (const char* index : {"SessionRecordCallIds", "SessionRecordIndex"}) {
+        execute(std::string{"DROP INDEX "} + index);
+        auto database = SessionDatabase::open(path()).value();
+        EXPECT_EQ(database->readCallIds().value().callIds, QSet{u"c-1"_s});
+        EXPECT_EQ(database->readIndex().value().size(), 1U);
+        EXPECT_EQ(database->read(full.id).value(), full);
+    }
+}
+
 }  // namespace corvellan

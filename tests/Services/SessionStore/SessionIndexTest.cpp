@@ -116,4 +116,36 @@ TEST(SessionIndexTest, takesALoadedListOverAsItIs) {
     EXPECT_EQ(companies(index.picture()), (QStringList{u"c"_s, u"b"_s, u"between"_s, u"a"_s}));
 }
 
+TEST(SessionIndexTest, puttingManyIsAsPuttingEach) {
+    std::mt19937 random{7};
+    const auto date = [&random] { return std::uniform_int_distribution<std::int64_t>{0, 30}(random); };
+    InsertionNumber inserted = 0;
+    SessionIndex each;
+    SessionIndex all;
+    for (const int count : {0, 1, 40, 1, 0, 25}) {
+        std::vector<StoredIndexEntry> entries;
+        for (int i = 0; i < count; ++i) {
+            ++inserted;
+            entries.push_back(entry(QString::number(inserted), date(), inserted));
+        }
+        for (const auto& stored : entries)
+            each.put(stored);
+        const auto before = all.picture();
+        const auto known = before->size();
+        all.putAll(entries);
+        EXPECT_EQ(before->size(), known);
+        EXPECT_EQ(companies(all.picture()), companies(each.picture()));
+    }
+}
+
+TEST(SessionIndexTest, amongManyAKnownIdIsReplacedToo) {
+    SessionIndex index;
+    auto old = entry(u"old"_s, 1, 1);
+    index.put(old);
+    old.entry.companyName = u"changed"_s;
+    const auto twice = entry(u"twice"_s, 3, 3);
+    index.putAll({entry(u"new"_s, 2, 2), old, twice, twice});
+    EXPECT_EQ(companies(index.picture()), (QStringList{u"twice"_s, u"new"_s, u"changed"_s}));
+}
+
 }  // namespace corvellan

@@ -335,4 +335,67 @@ TEST_P(SqliteSessionStoreTest, aPlaceThatCannotBeWrittenIsAFailure) {
     EXPECT_EQ(result.error().as<StoreError>()->kind, StoreError::Kind::failed);
 }
 
+TEST_P(SqliteSessionStoreTest, manyRecordsComeInWithOneNotice) {
+    auto store = opened();
+    std::vector<QStringList> seen;
+    const auto handle =
+        store->observe([&](const SessionStoreProtocol::Index& index) { seen.push_back(companies(index)); });
+    ASSERT_TRUE(spinUntil([&] { return seen.size() == 1; }));
+    complete(store->insertAll({record(u"a"_s, 1), record(u"c"_s, 3), record(u"b"_s, 2)}));
+    ASSERT_TRUE(spinUntil([&] { return seen.size() == 2; }));
+    complete(store->insert(record(u"d"_s, 4)));
+    ASSERT_TRUE(spinUntil([&] { return seen.size() == 3; }));
+    EXPECT_EQ(seen[1], (QStringList{u"c"_s, u"b"_s, u"a"_s}));
+    EXPECT_TRUE(complete(store->save()));
+    store.reset();
+    EXPECT_EQ(indexOf(*opened()), (QStringList{u"d"_s, u"c"_s, u"b"_s, u"a"_s}));
+}
+
+TEST_P(SqliteSessionStoreTest, aChangeConcernsTheRecordAsItStandsThen) {
+    auto store = opened();
+    const auto saved = record(u"saved"_s, 1);
+    insertAndSave(*store, saved);
+    const auto fresh = record(u"fresh"_s, 2);
+    complete(store->insert(fresh));
+    for (const auto id : {saved.id, fresh.id}) {
+        auto rating = store->change(id, [](SessionRecord& each) { each.feedbackRating = 1; });
+        auto outcome = store->change(id, [](SessionRecord& each) { each.outcome = u"lost"_s; });
+        complete(std::move(outcome));
+        complete(std::move(rating));
+    }
+    EXPECT_TRUE(complete(store->save()));
+    store.reset();
+    store = opened();
+    for (const auto id : {saved.id, fresh.id}) {
+        const auto changed = complete(store->fetch(id)).value().value();
+        EXPECT_EQ(changed.feedbackRating, 1);
+        EXPECT_EQ(changed.outcome, u"lost"_s);
+    }
+    EXPECT_EQ(all(*store), (QStringList{u"fresh"_s, u"saved"_s}));
+}
+
+TEST_P(SqliteSessionStoreTest, aChangeOfAnUnknownRecordDoesNothing) {
+    auto store = opened();
+    bool wasAsked = false;
+    complete(store->change(QUuid::createUuid(), [&](SessionRecord&) { wasAsked = true; }));
+    EXPECT_FALSE(wasAsked);
+    EXPECT_EQ(all(*store), QStringList{});
+}
+
+TEST_P(SqliteSessionStoreTest, callIdsAreThoseOfSavedAndUnsavedRecords) {
+    auto store = opened();
+    auto saved = record(u"saved"_s, 1);
+    saved.callId = u"c-1"_s;
+    insertAndSave(*store, saved);
+    saved.feedbackRating = 1;
+    complete(store->update(saved));
+    auto fresh = record(u"fresh"_s, 2);
+    fresh.callId = u"c-2"_s;
+    complete(store->insert(fresh));
+    complete(store->insert(record(u"of no call"_s, 3)));
+    const auto found = complete(store->fetchCallIds()).value();
+    EXPECT_EQ(found.records, 3);
+    EXPECT_EQ(found.callIds, (QSet{u"c-1"_s, u"c-2"_s}));
+}
+
 }  // namespace corvellan
