@@ -26,6 +26,7 @@
 #include "Platform/Linux/PulseAudioInputs.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
+#include "Services/BriefingService.h"
 #include "Services/HttpClient.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
 #include "Services/UpdateFeedService.h"
@@ -70,6 +71,7 @@ struct RealParts {
     PulseAudioInputs audioInputs{clock, ownSpeech};
     AppServices services{live.executor(), clock, audioInputs, diagnostics};
     HttpClient http{network.executor(), clock};
+    BriefingService briefings{http, deployment::chatUrl(), debugLog};
     UpdateFeedService updateFeed{http};
     XdgWebBrowser browser{clock};
     MessageBoxAlerts alerts;
@@ -94,6 +96,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .diagnostics = parts.diagnostics,
                     .services = parts.services,
                     .http = parts.http,
+                    .briefings = parts.briefings,
                     .productionUrl = deployment::coachUrl(),
                     .chatUrl = deployment::chatUrl(),
                     .clientVersion = deployment::version(),

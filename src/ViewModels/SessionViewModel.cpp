@@ -11,8 +11,6 @@ namespace corvellan {
 
 namespace {
 
-constexpr std::chrono::seconds restTimeout{60};
-
 ServerMode serverMode(const std::optional<QString>& stored) {
     if (stored == u"local")
         return ServerMode::local;
@@ -155,17 +153,6 @@ QCoro::Task<std::optional<QString>> SessionViewModel::authToken() {
     return m_auth->validToken(m_authURL);
 }
 
-QString SessionViewModel::restBaseURL() const {
-    QString base = m_serverURL;
-    return base.replace("ws://"_L1, "http://"_L1).replace("wss://"_L1, "https://"_L1).remove("/ws"_L1);
-}
-
-HttpRequest SessionViewModel::restRequest(const QString& path, const QString& token) const {
-    return {.url = QUrl{restBaseURL() + path, QUrl::StrictMode},
-            .headers = {{"Authorization", "Bearer " + token.toUtf8()}},
-            .timeout = restTimeout};
-}
-
 QString SessionViewModel::resolveURL(ServerMode mode, const std::optional<QString>& custom, const QString& production) {
     switch (mode) {
     case ServerMode::production: return production;
@@ -173,10 +160,6 @@ QString SessionViewModel::resolveURL(ServerMode mode, const std::optional<QStrin
     case ServerMode::custom: return custom && !custom->isEmpty() ? *custom : production;
     }
     Q_UNREACHABLE();
-}
-
-std::optional<QString> SessionViewModel::emailFromJWT(const QString& token) {
-    return jwtSubject(token);
 }
 
 bool SessionViewModel::isReachingServer() const {

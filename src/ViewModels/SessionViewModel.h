@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <QJsonObject>
 #include <QObject>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "Published.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
+#include "Services/Protocols/BriefingServiceProtocol.h"
 #include "Services/Protocols/HttpClientProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
 #include "Services/Protocols/ServiceFactory.h"
@@ -60,6 +62,7 @@ struct SessionEnvironment {
     Diagnostics& diagnostics;
     ServiceFactory& services;
     HttpClientProtocol& http;              ///< The one HTTP session of the process.
+    BriefingServiceProtocol& briefings;    ///< The chat/briefings back-end's records.
     QString productionUrl;                 ///< The coaching endpoint, a WebSocket URL with the path "/ws".
     QString chatUrl;                       ///< The chat/briefings back-end.
     std::optional<QString> clientVersion;  ///< The program's short version string.
@@ -73,7 +76,7 @@ struct SessionEnvironment {
 ///
 /// Its work is spread over one source file a duty: SessionViewModel.cpp (state, construction),
 /// SessionPipeline.cpp, ServerMessageHandling.cpp, AudioTranscriptFlow.cpp, TrainingMode.cpp,
-/// ExtensionLink.cpp.
+/// ExtensionLink.cpp, AccountAndCalendar.cpp, HistorySync.cpp.
 class SessionViewModel final : public QObject {
     Q_OBJECT
 
@@ -226,6 +229,31 @@ public:
     /// would end the call of both. One that still signs in may be replaced: the user may have lost the
     /// browser's page.
     [[nodiscard]] bool isReachingServer() const;
+    // MARK: - Account, calendar, reports
+
+    /// Signs in, in the background, with the browser if it must be; then fetches the meetings.
+    void login();
+    /// Signs out, in the background, and stops a running session.
+    void logoutAction();
+    /// Fetches the list of meetings, unless the server is a local one or the present list is not empty and
+    /// less than 300 seconds old.
+    ///
+    /// \param force fetches a fresh list as well. Calls run side by side; the later answer wins.
+    void fetchUpcomingMeetings(bool force = false);
+    /// Posts to a path on the coaching server's REST side, in the background. A failure only shows in the log.
+    void postJSON(const QString& path, const QJsonObject& body);
+    /// Keeps the rating, 1 for helpful and -1 for not, in the record, and reports it with a note that is not
+    /// empty. The call is the record's, else the last summary's; without one nothing is reported.
+    void sendFeedback(int rating, const std::optional<QString>& note, const std::optional<SessionRecord>& record);
+    /// As `sendFeedback`, for how the call came out.
+    void sendOutcome(CallOutcome outcome, const std::optional<SessionRecord>& record);
+
+    // MARK: - History
+
+    /// Adds the calls that the server knows and the store does not, in the background; changes and deletes
+    /// nothing. Nothing happens while a run is under way, and on a local server.
+    void syncHistory();
+
     /// The end was asked for, and the summary, which the record comes from, is still to come.
     [[nodiscard]] bool isEnding() const;
     /// No session task and no short task is under way: everything started is closed and stored. The
@@ -249,9 +277,6 @@ private:
                 --m_detachedTasks;
             }));
     }
-
-    /// A question to the coaching server's REST side; its URL is invalid when none results.
-    [[nodiscard]] HttpRequest restRequest(const QString& path, const QString& token) const;
 
     // SessionPipeline.cpp
 
@@ -304,6 +329,17 @@ private:
     /// The turn is the user's again, in a training session that runs.
     void resumeListening();
 
+    // AccountAndCalendar.cpp
+    QCoro::Task<void> loadMeetings();
+    /// A question to the coaching server's REST side; its URL is invalid when none results.
+    [[nodiscard]] HttpRequest restRequest(const QString& path, const QString& token) const;
+    /// Posts to a path below the call that `record` or the last summary names.
+    void reportOnCall(const QString& path, const QJsonObject& body, const std::optional<SessionRecord>& record);
+    void changeRecord(QUuid id, std::function<void(SessionRecord&)> edit);
+
+    // HistorySync.cpp
+    QCoro::Task<std::expected<void, Error>> importHistory();
+
     // ExtensionLink.cpp
     void startExtensionWs();
     QCoro::Task<void> listenForExtension(std::stop_token stop);
@@ -337,6 +373,7 @@ private:
     std::optional<QString> m_currentScenario;
     std::optional<QString> m_currentHubspotId;
     std::optional<QString> m_currentCalendarEventId;
+    std::optional<WallTime> m_meetingsFetchedAt;
 
     std::unique_ptr<ScreenShareServiceProtocol> m_screenShare;
     std::unique_ptr<TtsServiceProtocol> m_tts;

@@ -148,6 +148,7 @@ protected:
     FakeCaptureHiding captureHiding;
     FakeAppFactory services{log};
     FakeHttp http;
+    FakeBriefings briefings;
     FakeUpdateFeed updateFeed{log};
     IgnoredHandoffWindow handoffWindow;
     LogCapture shell{QStringLiteral("Shell")};
@@ -168,6 +169,7 @@ private:
                         .diagnostics = diagnostics,
                         .services = services,
                         .http = http,
+                        .briefings = briefings,
                         .productionUrl = QStringLiteral("wss://coach.test/ws"),
                         .chatUrl = QStringLiteral("https://chat.test"),
                         .clientVersion = runningVersion,

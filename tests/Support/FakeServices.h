@@ -9,6 +9,7 @@
 #include "CallLog.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
+#include "Services/Protocols/BriefingServiceProtocol.h"
 #include "Services/Protocols/HttpClientProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
 #include "Services/Protocols/ServiceFactory.h"
@@ -282,9 +283,14 @@ public:
     explicit FakeAuth(CallLog& log) : m_log(log) {}
 
     QCoro::Task<bool> isAuthenticated() override { co_return accessToken.has_value(); }
-    QCoro::Task<std::optional<QString>> token() override { co_return accessToken; }
-    QCoro::Task<std::optional<QString>> validToken(QString) override { co_return accessToken; }
-    QCoro::Task<void> invalidateToken() override { co_return; }
+    // Copied by name: `co_return` of a member moves it away, in QCoro 0.8.
+    QCoro::Task<std::optional<QString>> token() override { co_return std::as_const(accessToken); }
+    QCoro::Task<std::optional<QString>> validToken(QString) override { co_return std::as_const(accessToken); }
+    QCoro::Task<void> invalidateToken() override {
+        m_log.emplace_back("auth.invalidateToken");
+        accessToken = renewedToken;
+        co_return;
+    }
     QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) override {
         m_log.emplace_back("auth.login");
         baseUrl = std::move(authBaseUrl);
@@ -302,6 +308,7 @@ public:
     }
 
     std::optional<QString> accessToken;
+    std::optional<QString> renewedToken;  ///< What there is after `invalidateToken`.
     QString baseUrl;
     std::vector<Error> loginErrors;  ///< One a login, from the first.
     Gate loginGate;
@@ -317,13 +324,35 @@ public:
         co_return;
     }
     QCoro::Task<void> update(SessionRecord) override { co_return; }
+    QCoro::Task<void> insertAll(std::vector<SessionRecord> added) override {
+        for (auto& record : added)
+            records.push_back(std::move(record));
+        co_return;
+    }
+    QCoro::Task<void> change(QUuid id, std::function<void(SessionRecord&)> edit) override {
+        for (auto& record : records)
+            if (record.id == id)
+                edit(record);
+        co_return;
+    }
+    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() override {
+        if (fetchError)
+            co_return std::unexpected(*fetchError);
+        CallIds found{.records = static_cast<qsizetype>(records.size())};
+        for (const auto& record : records)
+            if (record.callId)
+                found.callIds.insert(*record.callId);
+        co_return found;
+    }
     QCoro::Task<std::expected<void, Error>> save() override {
         ++saves;
         if (saveError)
             co_return std::unexpected(*saveError);
         co_return {};
     }
-    QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() override { co_return records; }
+    QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() override {
+        co_return std::as_const(records);
+    }
     QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) override {
         for (const auto& record : records)
             if (record.id == id)
@@ -335,6 +364,32 @@ public:
     std::vector<SessionRecord> records;
     int saves = 0;
     std::optional<Error> saveError;
+    std::optional<Error> fetchError;
+};
+
+/// Knows meetings alone; the session asks for nothing else.
+class FakeBriefings final : public BriefingServiceProtocol {
+public:
+    using Meetings = std::expected<std::vector<CalendarMeeting>, Error>;
+
+    Answer<std::vector<CalendarMeeting>> fetchUpcoming(QString token, int maxResults) override {
+        tokens.append(token);
+        lastMaxResults = maxResults;
+        auto answer = respond ? respond() : Meetings{};
+        co_await gate.pass();
+        co_return answer;
+    }
+    Answer<std::vector<ResolvedCompany>> searchCompany(QString, QString, int) override { co_return {}; }
+    Answer<SalesBrief> fetchBrief(QString, CompanyQuery) override { co_return SalesBrief{}; }
+    Answer<HandoffResponse> fetchHandoff(QString, CompanyQuery) override { co_return HandoffResponse{}; }
+    Answer<TimelineResponse> fetchTimeline(QString, std::optional<QString>, std::optional<QString>, int) override {
+        co_return TimelineResponse{};
+    }
+
+    QStringList tokens;  ///< One a request for meetings.
+    int lastMaxResults = 0;
+    std::function<Meetings()> respond;  ///< Without it there are no meetings.
+    Gate gate;
 };
 
 /// What the session owns of a fake socket that the test goes on looking at.

@@ -27,6 +27,7 @@ public:
         m_viewModel->stopSensorPolling();
         m_viewModel->stopSession();
         http.gate.open();
+        briefings.gate.open();
         ws->connectGate.open();
         stt->connectGate.open();
         stt->sendGate.open();
@@ -54,6 +55,7 @@ public:
                                    .diagnostics = diagnostics,
                                    .services = factory,
                                    .http = http,
+                                   .briefings = briefings,
                                    .productionUrl = QStringLiteral("wss://coach.test/ws"),
                                    .chatUrl = QStringLiteral("https://chat.test"),
                                    .clientVersion = QStringLiteral("1.2.3"),
@@ -110,6 +112,7 @@ public:
     CallLog log;
     FakeFactory factory{log};
     FakeHttp http;
+    FakeBriefings briefings;
     std::optional<QString> memoryNote;
     /// Where the pumps run; the main executor when null.
     Executor* pumps = nullptr;
