@@ -1,6 +1,11 @@
 #include "AuthTokens.h"
 
+#include <boost/json/object.hpp>
+#include <boost/json/value.hpp>
+#include <limits>
+
 #include "JsonReading.h"
+#include "JsonWriting.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,14 +32,18 @@ std::expected<void, Error> readObject(QByteArrayView bytes, Read read) {
     return {};
 }
 
+/// Unix time in whole seconds.
+std::uint64_t unixSeconds(WallTime time) {
+    return static_cast<std::uint64_t>(std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count());
+}
+
 }  // namespace
 
 bool AuthTokens::isValid(WallTime now) const {
     if (!expiresAt)
         return true;
     constexpr std::uint64_t marginSeconds = 60;
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(now).time_since_epoch().count();
-    return static_cast<std::uint64_t>(seconds) + marginSeconds < *expiresAt;
+    return unixSeconds(now) + marginSeconds < *expiresAt;
 }
 
 std::expected<AuthTokens, Error> AuthTokens::decode(QByteArrayView json) {
@@ -47,6 +56,34 @@ std::expected<AuthTokens, Error> AuthTokens::decode(QByteArrayView json) {
     if (!read)
         return std::unexpected(read.error());
     return tokens;
+}
+
+std::expected<AuthTokens, Error> AuthTokens::decodeAnswer(QByteArrayView json, WallTime now) {
+    AuthTokens tokens;
+    std::optional<std::uint64_t> expiresIn;
+    const auto read = readObject(json, [&](FieldReader& reader) {
+        reader.field("access_token", tokens.accessToken);
+        reader.field("refresh_token", tokens.refreshToken);
+        reader.field("expires_in", expiresIn);
+    });
+    if (!read)
+        return std::unexpected(read.error());
+    if (expiresIn) {
+        const auto seconds = unixSeconds(now);
+        if (*expiresIn > std::numeric_limits<std::uint64_t>::max() - seconds)
+            return std::unexpected(Error{DecodingError{DecodingError::Kind::outOfRange, u"expires_in"_s, {}}});
+        tokens.expiresAt = seconds + *expiresIn;
+    }
+    return tokens;
+}
+
+QByteArray AuthTokens::encode() const {
+    boost::json::object object;
+    FieldWriter writer{object};
+    writer.field("access_token", accessToken);
+    writer.field("refresh_token", refreshToken);
+    writer.field("expires_at", expiresAt);
+    return serialized(boost::json::value(std::move(object)));
 }
 
 std::optional<QString> jwtSubject(const QString& token) {

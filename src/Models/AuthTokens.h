@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <expected>
 #include <optional>
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
@@ -25,6 +26,13 @@ struct AuthTokens {
 
     /// The keys `access_token`, `refresh_token` and `expires_at` of one JSON object.
     [[nodiscard]] static std::expected<AuthTokens, Error> decode(QByteArrayView json);
+
+    /// The body of an authorization server's token answer: `access_token`, `refresh_token`, and the
+    /// seconds from `now` in `expires_in`. An end beyond 64 bits is an error.
+    [[nodiscard]] static std::expected<AuthTokens, Error> decodeAnswer(QByteArrayView json, WallTime now);
+
+    /// As `decode` reads it; what is absent is left out.
+    [[nodiscard]] QByteArray encode() const;
 
     bool operator==(const AuthTokens&) const = default;
 };

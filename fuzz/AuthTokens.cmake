@@ -1,0 +1,1 @@
+corvellan_fuzz(AuthTokens LINK Corvellan::Models)
