@@ -20,6 +20,10 @@ QCoro::Task<void> AbsentAuthService::invalidateToken() {
     co_return;
 }
 
+QCoro::Task<std::expected<void, Error>> AbsentAuthService::login() {
+    return login({});
+}
+
 QCoro::Task<std::expected<void, Error>> AbsentAuthService::login(QString) {
     co_return std::unexpected(AbsentServiceError{
         u"This version cannot sign in yet. It coaches calls on a local server: set serverMode to local."_s});

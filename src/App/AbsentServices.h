@@ -20,6 +20,7 @@ public:
     QCoro::Task<std::optional<QString>> token() override;
     QCoro::Task<std::optional<QString>> validToken(QString authBaseUrl) override;
     QCoro::Task<void> invalidateToken() override;
+    QCoro::Task<std::expected<void, Error>> login() override;
     QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) override;
     QCoro::Task<void> logout() override;
 };

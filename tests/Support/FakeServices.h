@@ -291,6 +291,7 @@ public:
         accessToken = renewedToken;
         co_return;
     }
+    QCoro::Task<std::expected<void, Error>> login() override { return login({}); }
     QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) override {
         m_log.emplace_back("auth.login");
         baseUrl = std::move(authBaseUrl);

@@ -23,6 +23,8 @@ public:
     virtual QCoro::Task<std::optional<QString>> validToken(QString authBaseUrl) = 0;
     /// Forgets everything, after a server refused the token.
     virtual QCoro::Task<void> invalidateToken() = 0;
+    /// As below, at the authorization server that this program was built for.
+    virtual QCoro::Task<std::expected<void, Error>> login() = 0;
     /// Makes sure that the user is signed in, with the browser if it must be.
     virtual QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) = 0;
     /// Forgets everything.

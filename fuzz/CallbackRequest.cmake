@@ -1,0 +1,1 @@
+corvellan_fuzz(CallbackRequest LINK Corvellan::AuthService)
