@@ -256,12 +256,9 @@ privateDisplay() {
     xauth -q -f "$housePrivate/xauthority" add ":$number" . "$cookie" 2>/dev/null
     unset WAYLAND_DISPLAY WAYLAND_SOCKET
     export DISPLAY=":$number" XAUTHORITY="$housePrivate/xauthority" XDG_SESSION_TYPE=x11
-    startChild openbox "$housePrivate/openbox.log" openbox --sm-disable
-    waitUntil 10 hasWindowManager || die "openbox did not start: $(cat "$housePrivate/openbox.log")"
-}
-
-hasWindowManager() {
-    xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'
+    # It names itself on the root window before it manages; a window that comes in between stays unmanaged.
+    startChild openbox "$housePrivate/openbox.log" openbox --sm-disable --startup "touch $housePrivate/managed"
+    waitUntil 10 test -e "$housePrivate/managed" || die "openbox did not start: $(cat "$housePrivate/openbox.log")"
 }
 
 # busConfiguration SOCKET: of a bus that can activate nothing, so that no daemon of the desktop takes part.

@@ -30,9 +30,13 @@ int main(int argc, char** argv) {
     const auto launchedAt = std::chrono::steady_clock::now();
     const int endSignals = blockAndWatchEndSignals();
     // On Wayland a program can neither place nor raise its windows; through XWayland it can do both.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    const bool isPlatformOurChoice = qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (isPlatformOurChoice)
         qputenv("QT_QPA_PLATFORM", "xcb;wayland");
     QApplication application{argc, argv};
+    // The user's browser and settings, which are started from here, choose for themselves.
+    if (isPlatformOurChoice)
+        qunsetenv("QT_QPA_PLATFORM");
     QApplication::setApplicationName(u"Corvellan Bram"_s);
     QApplication::setApplicationVersion(corvellan::deployment::version());
     QApplication::setDesktopFileName(corvellan::SingleInstance::name);

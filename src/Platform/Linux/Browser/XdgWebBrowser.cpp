@@ -1,8 +1,5 @@
 #include "XdgWebBrowser.h"
 
-#include <unistd.h>
-
-#include <csignal>
 #include <memory>
 #include <optional>
 #include <QProcess>
@@ -11,6 +8,7 @@
 #include <utility>
 
 #include "Base/Tasks.h"
+#include "Platform/Linux/LetGoOfParent.h"
 
 namespace corvellan {
 
@@ -38,16 +36,6 @@ struct Opening {
     }
 };
 
-/// Runs in the child before the browser does. Nothing of this program's own ways must be left to it: it ignores
-/// and blocks no signal, and belongs to no terminal of ours.
-void letGo() {
-    sigset_t none;
-    sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    std::signal(SIGPIPE, SIG_DFL);
-    ::setsid();
-}
-
 void launch(const QString& program, const QUrl& page, const std::shared_ptr<Opening>& opening) {
     // Not destroyed before it ends, since Qt kills with it what it runs.
     auto* const process = new QProcess;
@@ -56,7 +44,7 @@ void launch(const QString& program, const QUrl& page, const std::shared_ptr<Open
     process->setStandardInputFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());
     process->setStandardErrorFile(QProcess::nullDevice());
-    process->setChildProcessModifier(letGo);
+    process->setChildProcessModifier(letGoOfParent);
     QObject::connect(process, &QProcess::finished, process, [process, opening](int code, QProcess::ExitStatus status) {
         if (status != QProcess::NormalExit)
             opening->finish(failure(u"xdg-open has crashed."_s));

@@ -4,6 +4,7 @@
 #include <QStandardPaths>
 
 #include "Platform/Alerts.h"
+#include "Platform/Linux/LetGoOfParent.h"
 #include "SettingsChoice.h"
 
 using namespace Qt::StringLiterals;
@@ -24,10 +25,15 @@ QCoro::Task<void> explain(AlertPresenter& alerts, PrivacyPane pane) {
 void DesktopSettings::openPrivacyPane(PrivacyPane pane) {
     const auto isInstalled = [](const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); };
     const auto choice = settingsProgram(qEnvironmentVariable("XDG_CURRENT_DESKTOP"), pane, isInstalled);
-    if (choice)
-        QProcess::startDetached(choice->program, choice->arguments);
-    else
+    if (!choice) {
         explain(m_alerts, pane);
+        return;
+    }
+    QProcess process;
+    process.setProgram(choice->program);
+    process.setArguments(choice->arguments);
+    process.setChildProcessModifier(letGoOfParent);
+    process.startDetached();
 }
 
 }  // namespace corvellan
