@@ -47,6 +47,10 @@ public:
     /// What the last attempt to hide the window, or to show it again, came to.
     [[nodiscard]] CaptureVisibility captureVisibility() const { return m_captureVisibility; }
 
+    /// The window manager has answered what was asked of it, or has had the time to. Until then the next
+    /// face hangs where this one was asked to be.
+    [[nodiscard]] bool isSettled() const { return !m_asked; }
+
     /// The view state of the call face.
     [[nodiscard]] CoachingOverlayView& overlay();
 

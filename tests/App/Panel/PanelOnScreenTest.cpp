@@ -92,6 +92,7 @@ TEST_F(PanelOnScreenTest, aCallThatEndsAsItBeginsLeavesTheWindowWhereItWas) {
 TEST_F(PanelOnScreenTest, whereTheUserPutItIsWhereTheNextFaceHangs) {
     panel.enterCallMode();
     ASSERT_TRUE(settlesAt({700, 350}, false));
+    ASSERT_TRUE(spinUntil([&] { return panel.isSettled(); }));
     // Moved by the window manager, as a user's dragging is.
     panel.setFramePosition({150, 450});
     ASSERT_TRUE(spinUntil([&] { return panel.frameGeometry().topLeft() == QPoint(150, 450); }));
