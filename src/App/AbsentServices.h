@@ -1,29 +1,11 @@
 #pragma once
 
-#include "Services/Protocols/AuthServiceProtocol.h"
 #include "Services/Protocols/ScreenShareServiceProtocol.h"
 #include "Services/Protocols/TtsServiceProtocol.h"
 
 /// What stands behind the contracts of services that this version does not have. Each answers
-/// honestly that nothing is there; a session on a local server needs none of them.
+/// honestly that nothing is there; a coached call needs none of them.
 namespace corvellan {
-
-/// Why an operation cannot be done in this version.
-struct AbsentServiceError {
-    QString sentence;
-    [[nodiscard]] QString errorDescription() const { return sentence; }
-};
-
-class AbsentAuthService final : public AuthServiceProtocol {
-public:
-    QCoro::Task<bool> isAuthenticated() override;
-    QCoro::Task<std::optional<QString>> token() override;
-    QCoro::Task<std::optional<QString>> validToken(QString authBaseUrl) override;
-    QCoro::Task<void> invalidateToken() override;
-    QCoro::Task<std::expected<void, Error>> login() override;
-    QCoro::Task<std::expected<void, Error>> login(QString authBaseUrl) override;
-    QCoro::Task<void> logout() override;
-};
 
 class AbsentTtsService final : public TtsServiceProtocol {
 public:

@@ -4,27 +4,31 @@
 #include "Base/Deployment.h"
 #include "Services/Audio/AudioService.h"
 #include "Services/Audio/SystemAudioService.h"
+#include "Services/Auth/AuthService.h"
 #include "Services/SttService.h"
 #include "Services/WebSocketService.h"
 
 namespace corvellan {
 
-AppServices::AppServices(Executor& live, Clock& clock, AudioInputs& inputs, Diagnostics& diagnostics)
-    : m_live(live),
-      m_clock(clock),
-      m_inputs(inputs),
-      m_diagnostics(diagnostics) {}
-
 std::unique_ptr<AudioServiceProtocol> AppServices::makeAudio() {
-    return std::make_unique<AudioService>(m_live, m_clock, m_inputs, m_diagnostics.mic);
+    return std::make_unique<AudioService>(m_parts.live, m_parts.clock, m_parts.audioInputs, m_parts.diagnostics.mic);
 }
 
 std::unique_ptr<SttServiceProtocol> AppServices::makeMicrophoneStt() {
-    return std::make_unique<SttService>(m_live, m_clock, m_diagnostics.mic, deployment::sttUrl());
+    return std::make_unique<SttService>(m_parts.live, m_parts.clock, m_parts.diagnostics.mic, deployment::sttUrl());
 }
 
 std::unique_ptr<AuthServiceProtocol> AppServices::makeAuth() {
-    return std::make_unique<AbsentAuthService>();
+    return std::make_unique<AuthService>(AuthService::Environment{
+        .executor = m_parts.network,
+        .main = m_parts.main,
+        .clock = m_parts.clock,
+        .http = m_parts.http,
+        .browser = m_parts.browser,
+        .listeners = m_parts.listeners,
+        .defaultBaseUrl = deployment::chatUrl(),
+        .tokenFilePath = m_parts.tokenFilePath,
+    });
 }
 
 std::unique_ptr<ScreenShareServiceProtocol> AppServices::makeScreenShare() {
@@ -36,15 +40,16 @@ std::unique_ptr<TtsServiceProtocol> AppServices::makeTts() {
 }
 
 std::unique_ptr<SystemAudioServiceProtocol> AppServices::makeSystemAudio() {
-    return std::make_unique<SystemAudioService>(m_live, m_clock, m_inputs, m_diagnostics.system);
+    return std::make_unique<SystemAudioService>(m_parts.live, m_parts.clock, m_parts.audioInputs,
+                                                m_parts.diagnostics.system);
 }
 
 std::unique_ptr<SttServiceProtocol> AppServices::makeStt() {
-    return std::make_unique<SttService>(m_live, m_clock, m_diagnostics.system, deployment::sttUrl());
+    return std::make_unique<SttService>(m_parts.live, m_parts.clock, m_parts.diagnostics.system, deployment::sttUrl());
 }
 
 std::unique_ptr<WebSocketServiceProtocol> AppServices::makeWebSocket() {
-    return std::make_unique<WebSocketService>(m_live, m_clock, m_diagnostics);
+    return std::make_unique<WebSocketService>(m_parts.live, m_parts.clock, m_parts.diagnostics);
 }
 
 }  // namespace corvellan

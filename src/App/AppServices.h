@@ -8,12 +8,29 @@
 namespace corvellan {
 
 class AudioInputs;
+class HttpClientProtocol;
+class LoopbackListeners;
+class WebBrowser;
 
-/// Makes the services for the two sides of a call: counters and latencies go to the side's own part
-/// of the diagnostics. What it is given outlives what it makes.
+/// Makes the program's services: counters and latencies of a call go to the side's own part of the
+/// diagnostics.
 class AppServices final : public AppFactory {
 public:
-    AppServices(Executor& live, Clock& clock, AudioInputs& inputs, Diagnostics& diagnostics);
+    /// What they are made of; all of it outlives what is made.
+    struct Parts {
+        Executor& main;
+        Executor& live;
+        Executor& network;
+        Clock& clock;
+        AudioInputs& audioInputs;
+        HttpClientProtocol& http;
+        WebBrowser& browser;
+        LoopbackListeners& listeners;
+        QString tokenFilePath;
+        Diagnostics& diagnostics;
+    };
+
+    explicit AppServices(Parts parts) : m_parts(std::move(parts)) {}
 
     [[nodiscard]] std::unique_ptr<AudioServiceProtocol> makeAudio() override;
     [[nodiscard]] std::unique_ptr<SttServiceProtocol> makeMicrophoneStt() override;
@@ -26,10 +43,7 @@ public:
     [[nodiscard]] std::unique_ptr<WebSocketServiceProtocol> makeWebSocket() override;
 
 private:
-    Executor& m_live;
-    Clock& m_clock;
-    AudioInputs& m_inputs;
-    Diagnostics& m_diagnostics;
+    Parts m_parts;
 };
 
 }  // namespace corvellan

@@ -19,6 +19,7 @@
 #include "Platform/Linux/Activation/DesktopActivation.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
 #include "Platform/Linux/Keys/LinuxGlobalKeys.h"
+#include "Platform/Linux/Loopback/SocketLoopbackListener.h"
 #include "Platform/Linux/Notifications/DesktopNotifications.h"
 #include "Platform/Linux/Permissions/DesktopPermissionSource.h"
 #include "Platform/Linux/Permissions/DesktopSettings.h"
@@ -26,6 +27,7 @@
 #include "Platform/Linux/PulseAudioInputs.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
+#include "Services/Auth/TokenFile.h"
 #include "Services/BriefingService.h"
 #include "Services/HttpClient.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
@@ -69,11 +71,23 @@ struct RealParts {
     SettingsPreferences preferences{SettingsPreferences::defaultPath()};
     OwnSpeech ownSpeech;
     PulseAudioInputs audioInputs{clock, ownSpeech};
-    AppServices services{live.executor(), clock, audioInputs, diagnostics};
     HttpClient http{network.executor(), clock};
     BriefingService briefings{http, deployment::chatUrl(), debugLog};
     UpdateFeedService updateFeed{http};
     XdgWebBrowser browser{clock};
+    SocketLoopbackListeners listeners;
+    AppServices services{AppServices::Parts{
+        .main = main,
+        .live = live.executor(),
+        .network = network.executor(),
+        .clock = clock,
+        .audioInputs = audioInputs,
+        .http = http,
+        .browser = browser,
+        .listeners = listeners,
+        .tokenFilePath = TokenFile::defaultPath(),
+        .diagnostics = diagnostics,
+    }};
     MessageBoxAlerts alerts;
     DesktopSettings systemSettings{alerts};
     DesktopPermissionSource permissions{worker.executor(), audioInputs, bus};
@@ -100,7 +114,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .productionUrl = deployment::coachUrl(),
                     .chatUrl = deployment::chatUrl(),
                     .clientVersion = deployment::version(),
-                    .tokenFilePath = QDir::homePath() + u"/.config/corvellan/auth.json"_s,
+                    .tokenFilePath = TokenFile::defaultPath(),
                     .loadMemoryNote = [] { return MemoryStore::load(); }},
         .services = parts.services,
         .desktop = {.notifications = parts.notifications,
