@@ -252,6 +252,8 @@ void AppDelegate::quit() {
         if (!self)
             co_return;
         viewModel.stopSession();
+        // Its socket says goodbye while there is still somebody to wait for that.
+        viewModel.stopSensorPolling();
         while (self && !viewModel.isQuiet() && clock.now() < asked + quitPatience)
             co_await sleep(clock, 5ms);
         if (!self)
