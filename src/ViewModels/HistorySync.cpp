@@ -56,14 +56,17 @@ QCoro::Task<std::expected<void, Error>> SessionViewModel::importHistory() {
         co_return std::unexpected(calls.error());
     debugLog(u"SYNC: decoded "_s + QString::number(calls->size()) + u" calls"_s);
 
-    const auto known = co_await store->fetchCallIds();
-    if (!known)
-        co_return std::unexpected(known.error());
-    debugLog(u"SYNC: existing="_s + QString::number(known->records) + u" callIds="_s +
-             QString::number(known->callIds.size()));
+    QSet<QString> asked;
+    for (const auto& call : *calls)
+        asked.insert(call.callId());
+    const auto stored = co_await store->fetchCallIds(std::move(asked));
+    if (!stored)
+        co_return std::unexpected(stored.error());
+    debugLog(u"SYNC: existing="_s + QString::number(stored->records) + u" callIds="_s +
+             QString::number(stored->callIds));
     std::vector<SessionRecord> imported;
     for (const auto& call : *calls)
-        if (!known->callIds.contains(call.callId()))
+        if (!stored->known.contains(call.callId()))
             imported.push_back(call.toSessionRecord());
     const auto count = QString::number(imported.size());
     const auto skipped = QString::number(calls->size() - imported.size());

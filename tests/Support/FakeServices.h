@@ -336,14 +336,15 @@ public:
                 edit(record);
         co_return;
     }
-    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() override {
+    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds(QSet<QString> asked) override {
         if (fetchError)
             co_return std::unexpected(*fetchError);
-        CallIds found{.records = static_cast<qsizetype>(records.size())};
+        QSet<QString> callIds;
         for (const auto& record : records)
             if (record.callId)
-                found.callIds.insert(*record.callId);
-        co_return found;
+                callIds.insert(*record.callId);
+        co_return CallIds{
+            .records = static_cast<qsizetype>(records.size()), .callIds = callIds.size(), .known = callIds & asked};
     }
     QCoro::Task<std::expected<void, Error>> save() override {
         ++saves;

@@ -50,10 +50,11 @@ public:
     /// Which of the server's calls the records are of.
     struct CallIds {
         qsizetype records = 0;  ///< All records, also those of no such call.
-        QSet<QString> callIds;
+        qsizetype callIds = 0;  ///< Different calls among them.
+        QSet<QString> known;    ///< Those of the calls asked for that there is a record of.
     };
     /// The records themselves are not read.
-    virtual QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() = 0;
+    virtual QCoro::Task<std::expected<CallIds, Error>> fetchCallIds(QSet<QString> asked) = 0;
 
     /// An immutable picture of the index, newest first.
     using Index = std::shared_ptr<const std::vector<SessionIndexEntry>>;

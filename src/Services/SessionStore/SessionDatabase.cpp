@@ -284,15 +284,26 @@ std::expected<bool, StoreError> SessionDatabase::contains(QUuid id) {
     });
 }
 
-std::expected<SessionStoreProtocol::CallIds, StoreError> SessionDatabase::readCallIds() {
+std::expected<SessionStoreProtocol::CallIds, StoreError> SessionDatabase::readCallIds(const QSet<QString>& asked) {
     return guarded([&] {
+        // Compared as bytes: of a hundred thousand ids only those asked for become texts.
+        QHash<QByteArray, QString> sought;
+        for (const auto& callId : asked)
+            sought.insert(callId.toUtf8(), callId);
         SessionStoreProtocol::CallIds found;
-        SQLite::Statement statement{*m_database, "SELECT callId FROM SessionRecord INDEXED BY SessionRecordCallIds"};
+        QByteArray last;
+        SQLite::Statement statement{*m_database,
+                                    "SELECT callId FROM SessionRecord INDEXED BY SessionRecordCallIds ORDER BY callId"};
         while (statement.executeStep()) {
             ++found.records;
             RowReader row{statement};
-            if (const auto callId = row.optionalText())
-                found.callIds.insert(*callId);
+            const auto callId = row.optionalView();
+            if (!callId || (found.callIds > 0 && *callId == last))
+                continue;
+            ++found.callIds;
+            last = callId->toByteArray();
+            if (const auto match = sought.constFind(last); match != sought.constEnd())
+                found.known.insert(*match);
         }
         return found;
     });

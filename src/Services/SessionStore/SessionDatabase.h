@@ -59,7 +59,7 @@ public:
     [[nodiscard]] std::expected<std::optional<SessionRecord>, StoreError> read(QUuid id);
     [[nodiscard]] std::expected<bool, StoreError> contains(QUuid id);
     /// Reads an index of the database alone.
-    [[nodiscard]] std::expected<SessionStoreProtocol::CallIds, StoreError> readCallIds();
+    [[nodiscard]] std::expected<SessionStoreProtocol::CallIds, StoreError> readCallIds(const QSet<QString>& asked);
     /// Newest first. Reads an index of the database that holds the few columns it needs, and never
     /// the transcripts.
     [[nodiscard]] std::expected<std::vector<StoredIndexEntry>, StoreError> readIndex();

@@ -100,19 +100,23 @@ public:
         put(std::move(**found));
     }
 
-    std::expected<CallIds, Error> fetchCallIds() {
+    std::expected<CallIds, Error> fetchCallIds(const QSet<QString>& asked) {
         if (!m_database)
             return std::unexpected(noStore());
-        auto stored = m_database->readCallIds();
-        if (!stored)
-            return std::unexpected(stored.error());
+        QSet<QString> unsaved;
+        qsizetype added = 0;
         for (const auto& pending : m_pending) {
-            if (!m_database->contains(pending.record.id).value_or(false))
-                ++stored->records;
             if (pending.record.callId)
-                stored->callIds.insert(*pending.record.callId);
+                unsaved.insert(*pending.record.callId);
+            if (!m_database->contains(pending.record.id).value_or(false))
+                ++added;
         }
-        return std::move(*stored);
+        auto found = m_database->readCallIds(asked + unsaved);
+        if (!found)
+            return std::unexpected(found.error());
+        return CallIds{.records = found->records + added,
+                       .callIds = found->callIds + (unsaved - found->known).size(),
+                       .known = (found->known + unsaved) & asked};
     }
 
     std::expected<void, Error> save() {
@@ -290,8 +294,8 @@ QCoro::Task<void> SqliteSessionStore::change(QUuid id, std::function<void(Sessio
     co_await m_executor.call(std::move(work));
 }
 
-QCoro::Task<std::expected<SessionStoreProtocol::CallIds, Error>> SqliteSessionStore::fetchCallIds() {
-    auto work = [core = m_core] { return core->fetchCallIds(); };
+QCoro::Task<std::expected<SessionStoreProtocol::CallIds, Error>> SqliteSessionStore::fetchCallIds(QSet<QString> asked) {
+    auto work = [core = m_core, asked = std::move(asked)] { return core->fetchCallIds(asked); };
     co_return co_await m_executor.call(std::move(work));
 }
 

@@ -46,7 +46,7 @@ public:
     QCoro::Task<std::expected<void, Error>> save() override;
     QCoro::Task<std::expected<std::vector<SessionRecord>, Error>> fetchAll() override;
     QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) override;
-    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds() override;
+    QCoro::Task<std::expected<CallIds, Error>> fetchCallIds(QSet<QString> asked) override;
     [[nodiscard]] std::shared_ptr<void> observe(std::function<void(Index)> changed) override;
 
 private:

@@ -354,16 +354,20 @@ TEST_F(SessionDatabaseTest, whatWasWrittenOutlivesAProcessThatIsKilled) {
 
 TEST_F(SessionDatabaseTest, tellsWhichCallsItsRecordsAreOf) {
     auto database = SessionDatabase::open(path()).value();
-    EXPECT_EQ(database->readCallIds().value().records, 0);
+    EXPECT_EQ(database->readCallIds({}).value().records, 0);
     auto second = record(u"b"_s);
     second.callId = u"c-1"_s;
     auto third = record(u"c"_s);
     third.callId = u"C-2"_s;
-    const std::vector records{record(u"a"_s), second, third, fullRecord()};
+    auto fourth = record(u"d"_s);
+    fourth.callId = u""_s;
+    const std::vector records{record(u"a"_s), second, third, fourth, fullRecord()};
     ASSERT_TRUE(database->write(records));
-    const auto found = database->readCallIds().value();
-    EXPECT_EQ(found.records, 4);
-    EXPECT_EQ(found.callIds, (QSet{u"c-1"_s, u"C-2"_s}));
+    const auto found = database->readCallIds({u"c-1"_s, u"c-2"_s, u"C-2"_s, u"c-3"_s}).value();
+    EXPECT_EQ(found.records, 5);
+    EXPECT_EQ(found.callIds, 3);
+    EXPECT_EQ(found.known, (QSet{u"c-1"_s, u"C-2"_s}));
+    EXPECT_EQ(database->readCallIds({u""_s}).value().known, QSet{u""_s});
 }
 
 TEST_F(SessionDatabaseTest, aStoreWithoutAnIndexGetsItAndKeepsItsRecords) {
@@ -372,7 +376,7 @@ TEST_F(SessionDatabaseTest, aStoreWithoutAnIndexGetsItAndKeepsItsRecords) {
     for (const char* index : {"SessionRecordCallIds", "SessionRecordIndex"}) {
         execute(std::string{"DROP INDEX "} + index);
         auto database = SessionDatabase::open(path()).value();
-        EXPECT_EQ(database->readCallIds().value().callIds, QSet{u"c-1"_s});
+        EXPECT_EQ(database->readCallIds({u"c-1"_s}).value().known, QSet{u"c-1"_s});
         EXPECT_EQ(database->readIndex().value().size(), 1U);
         EXPECT_EQ(database->read(full.id).value(), full);
     }

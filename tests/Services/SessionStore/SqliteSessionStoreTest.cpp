@@ -393,9 +393,11 @@ TEST_P(SqliteSessionStoreTest, callIdsAreThoseOfSavedAndUnsavedRecords) {
     fresh.callId = u"c-2"_s;
     complete(store->insert(fresh));
     complete(store->insert(record(u"of no call"_s, 3)));
-    const auto found = complete(store->fetchCallIds()).value();
+    const auto found = complete(store->fetchCallIds({u"c-1"_s, u"c-2"_s, u"c-3"_s})).value();
     EXPECT_EQ(found.records, 3);
-    EXPECT_EQ(found.callIds, (QSet{u"c-1"_s, u"c-2"_s}));
+    EXPECT_EQ(found.callIds, 2);
+    EXPECT_EQ(found.known, (QSet{u"c-1"_s, u"c-2"_s}));
+    EXPECT_EQ(complete(store->fetchCallIds({u"c-2"_s})).value().known, QSet{u"c-2"_s});
 }
 
 }  // namespace corvellan
