@@ -175,6 +175,63 @@ void insertWithSqlite(benchmark::State& state) {
     sqlite3_close(database);
 }
 
+/// As many calls as a history asks its server for.
+constexpr int importedCalls = 200;
+
+QCoro::Task<void> importCalls(SqliteSessionStore& target, std::vector<SessionRecord> calls, bool& isSaved) {
+    QSet<QString> asked;
+    for (const auto& call : calls)
+        asked.insert(*call.callId);
+    const auto stored = (co_await target.fetchCallIds(std::move(asked))).value();
+    std::erase_if(calls, [&stored](const SessionRecord& call) { return stored.known.contains(*call.callId); });
+    co_await target.insertAll(std::move(calls));
+    isSaved = (co_await target.save()).has_value();
+}
+
+/// A history comes from the server: what is known is left out, the rest goes in and is durable, and the
+/// screens know of it.
+void importHistory(benchmark::State& state) {
+    auto& ground = Ground::get();
+    auto store = ground.open();
+    int notices = 0;
+    const auto handle = store->observe([&](const SessionStoreProtocol::Index&) { ++notices; });
+    Ground::spinUntil([&] { return notices == 1; });
+    int number = records * 10;
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::vector<SessionRecord> calls;
+        for (int i = 0; i < importedCalls; ++i)
+            calls.push_back(recordAt(number++));
+        state.ResumeTiming();
+        bool isSaved = false;
+        const int before = notices;
+        const auto work = importCalls(*store, std::move(calls), isSaved);
+        Ground::spinUntil([&] { return isSaved && notices > before; });
+    }
+}
+
+void importWithSqlite(benchmark::State& state) {
+    sqlite3* database = nullptr;
+    sqlite3_open(Ground::get().path().toUtf8().constData(), &database);
+    sqlite3_exec(database, "PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v2(database, "SELECT callId FROM SessionRecord INDEXED BY SessionRecordCallIds", -1, &statement,
+                       nullptr);
+    for (auto _ : state) {
+        while (sqlite3_step(statement) == SQLITE_ROW)
+            benchmark::DoNotOptimize(sqlite3_column_blob(statement, 0));
+        sqlite3_reset(statement);
+        sqlite3_exec(database,
+                     "INSERT INTO SessionRecord SELECT lower(hex(randomblob(16))), createdDate, durationSecs, turns,"
+                     " meddicData, discData, coachingPoints, transcript, scenario, wasTrainMode, companyName,"
+                     " calendarEventId, callId, outcome, feedbackRating, meddicEvidence, audienceRaw"
+                     " FROM SessionRecord WHERE rowid <= 200",
+                     nullptr, nullptr, nullptr);
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+}
+
 void putIntoIndex(benchmark::State& state) {
     SessionIndex index;
     index.assign(SessionDatabase::open(Ground::get().path()).value()->readIndex().value());
@@ -200,7 +257,18 @@ BENCHMARK(stepThroughIndexWithSqlite)->Name("StoreIndexLoad/peer:SQLite alone/10
 BENCHMARK(openToFirstNotice)->Name("StoreOpenToFirstNotice/ours/100000")->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(putIntoIndex)->Name("StoreIndexPut/ours/100000")->Unit(benchmark::kMicrosecond);
 BENCHMARK(copyIndex)->Name("StoreIndexPut/peer:copy of the entries/100000")->Unit(benchmark::kMicrosecond);
-// Last, since they make the store grow.
+// Last, since they make the store grow; few times, so that it stays about as large.
+constexpr int imports = 5;
+BENCHMARK(importHistory)
+    ->Name("StoreImport200/ours/100000")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(imports);
+BENCHMARK(importWithSqlite)
+    ->Name("StoreImport200/peer:SQLite alone/100000")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(imports);
 BENCHMARK(insertSaveAndNotice)->Name("StoreInsertAndSave/ours/100000")->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(insertWithSqlite)
     ->Name("StoreInsertAndSave/peer:SQLite alone/100000")
