@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <vector>
 
+#include "Sandbox/AccountBook.h"
+#include "Sandbox/FormFields.h"
 #include "Sandbox/Phrases.h"
 #include "Sandbox/ProviderFrames.h"
 #include "Sandbox/WavFile.h"
@@ -18,6 +20,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QByteArray bytes{reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)};
     std::ignore = parseRequestHead(bytes);
     std::ignore = decodeWav(bytes);
+    std::ignore = parseForm(bytes);
+    static const corvellan::SystemClock clock;
+    static const AccountBook accounts{{}, clock};
+    if (accounts.userOf(QString::fromUtf8(bytes)))
+        std::abort();
     for (const auto& sentence : sentences(QString::fromUtf8(bytes)))
         if (sentence.words.isEmpty())
             std::abort();

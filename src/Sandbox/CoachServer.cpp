@@ -3,7 +3,6 @@
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
-#include <QTcpServer>
 #include <QWebSocket>
 
 #include "CoachConnection.h"
@@ -32,16 +31,7 @@ CoachServer::~CoachServer() {
 }
 
 std::expected<quint16, Error> CoachServer::listen(const QList<QHostAddress>& addresses, quint16 port) {
-    std::vector<std::unique_ptr<QTcpServer>> servers;
-    std::vector<QTcpServer*> raw;
-    for (qsizetype i = 0; i < addresses.size(); ++i)
-        raw.push_back(servers.emplace_back(std::make_unique<QTcpServer>()).get());
-    const auto chosen = listenOnOnePort(raw, addresses, port);
-    if (!chosen)
-        return chosen;
-    for (auto& server : servers)
-        m_http->bind(server.release());  // Makes it a child of the HTTP server.
-    return chosen;
+    return listenOnOnePort(*m_http, addresses, port);
 }
 
 void CoachServer::enter() {

@@ -20,8 +20,8 @@ namespace {
 using Bad = std::unexpected<QString>;
 
 QString helpText() {
-    return u"corvellan-sandbox: stands in for the coaching server and the transcription provider on 127.0.0.1 and\n"
-           u"127.0.0.2. Ends with Ctrl+C.\n\n"
+    return u"corvellan-sandbox: stands in for the coaching server, the chat back-end and the transcription\n"
+           u"provider on 127.0.0.1 and 127.0.0.2. Ends with Ctrl+C.\n\n"
            u"  corvellan-sandbox [options]\n"
            u"  corvellan-sandbox script FILE [--lengths FILE] [--list | --json]   print a script\n"
            u"  corvellan-sandbox measure FILE.wav...                              seconds of speech, as --lengths "
@@ -32,14 +32,21 @@ QString helpText() {
            u"  --transcriber 'CMD {wav}'  a command that prints what was said in a WAV file\n"
            u"  --transcriber-limit S      its longest time for one utterance, in seconds (30)\n\n"
            u"  --coach-port N             the coach's port, 0 for a free one (3001)\n"
+           u"  --chat-port N              the chat back-end's port, 0 for a free one (3002)\n"
            u"  --stt-port N               the provider's port, 0 for a free one (3003)\n"
            u"  --keep-audio DIR           keep what was received: DIR/<session>/mic.wav and system.wav\n"
            u"  --close-after MS           from the summary to the close (500)\n"
            u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n\n"
+           u"Signing in, on the chat back-end (no password is asked for):\n"
+           u"  --user EMAIL               who can sign in, repeatable (anna@fernhill.example, ben@fernhill.example)\n"
+           u"  --token-lifetime S         how long access tokens hold, in seconds, or never to end: \"forever\" "
+           u"(3600)\n"
+           u"  --code-lifetime S          how long codes hold, in seconds (60)\n"
+           u"  --refresh-tokens HOW       rotate: each use brings a new one; keep: one for all; none (rotate)\n\n"
            u"Misbehaviour, each repeatable:\n"
            u"  --fault NAME\n      "_s +
            Faults::help().join(u"\n      "_s) +
-           u"\n  --proxy [coach:|stt:]MODE[:N]   in front of one server, or of both\n      "_s +
+           u"\n  --proxy [coach:|chat:|stt:]MODE[:N]   in front of one server, or of all\n      "_s +
            WireFault::help().join(u"\n      "_s) + u'\n';
 }
 
@@ -76,14 +83,50 @@ std::expected<qint64, QString> number(const QCommandLineParser& parser, const QS
 
 std::expected<void, QString> addProxy(SandboxOptions& options, const QString& text) {
     const QString where = text.section(u':', 0, 0);
-    const bool isNamed = where == u"coach"_s || where == u"stt"_s;
+    const bool isNamed = where == u"coach"_s || where == u"chat"_s || where == u"stt"_s;
     const auto fault = WireFault::parse(isNamed ? text.section(u':', 1) : text);
     if (!fault)
         return Bad{u"--proxy: "_s + fault.error()};
-    if (where != u"stt"_s)
+    if (!isNamed || where == u"coach"_s)
         options.coachWire = *fault;
-    if (where != u"coach"_s)
+    if (!isNamed || where == u"chat"_s)
+        options.chatWire = *fault;
+    if (!isNamed || where == u"stt"_s)
         options.providerWire = *fault;
+    return {};
+}
+
+std::expected<void, QString> chooseAccounts(const QCommandLineParser& parser, AccountSettings& accounts) {
+    constexpr qint64 longest = qint64{100} * 365 * 24 * 3600;
+    if (parser.isSet(u"user"_s))
+        accounts.users = parser.values(u"user"_s);
+    for (const auto& user : accounts.users)
+        if (user.trimmed().isEmpty() || user != user.simplified())
+            return Bad{u"--user: \"%1\" is no address"_s.arg(user)};
+    accounts.users.removeDuplicates();
+
+    if (parser.value(u"token-lifetime"_s) == u"forever") {
+        accounts.tokenLifetime.reset();
+    } else {
+        const auto seconds = number(parser, u"token-lifetime"_s, 0, longest);
+        if (!seconds)
+            return Bad{seconds.error()};
+        accounts.tokenLifetime = std::chrono::seconds{*seconds};
+    }
+    const auto codeLifetime = number(parser, u"code-lifetime"_s, 0, longest);
+    if (!codeLifetime)
+        return Bad{codeLifetime.error()};
+    accounts.codeLifetime = std::chrono::seconds{*codeLifetime};
+
+    const QString how = parser.value(u"refresh-tokens"_s);
+    if (how == u"rotate")
+        accounts.refreshTokens = RefreshTokens::rotate;
+    else if (how == u"keep")
+        accounts.refreshTokens = RefreshTokens::keep;
+    else if (how == u"none")
+        accounts.refreshTokens = RefreshTokens::none;
+    else
+        return Bad{u"--refresh-tokens takes rotate, keep or none, not \"%1\""_s.arg(how)};
     return {};
 }
 
@@ -131,7 +174,12 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
         {u"transcriber"_s, {}, u"command"_s},
         {u"transcriber-limit"_s, {}, u"seconds"_s, u"30"_s},
         {u"coach-port"_s, {}, u"port"_s, u"3001"_s},
+        {u"chat-port"_s, {}, u"port"_s, u"3002"_s},
         {u"stt-port"_s, {}, u"port"_s, u"3003"_s},
+        {u"user"_s, {}, u"email"_s},
+        {u"token-lifetime"_s, {}, u"seconds"_s, u"3600"_s},
+        {u"code-lifetime"_s, {}, u"seconds"_s, u"60"_s},
+        {u"refresh-tokens"_s, {}, u"how"_s, u"rotate"_s},
         {u"keep-audio"_s, {}, u"folder"_s},
         {u"close-after"_s, {}, u"ms"_s, u"500"_s},
         {u"update"_s, {}, u"version"_s},
@@ -148,12 +196,14 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
     ServeCommand serve;
     constexpr qint64 highestPort = 65'535;
     const auto coachPort = number(parser, u"coach-port"_s, 0, highestPort);
+    const auto chatPort = number(parser, u"chat-port"_s, 0, highestPort);
     const auto providerPort = number(parser, u"stt-port"_s, 0, highestPort);
     const auto closeAfter = number(parser, u"close-after"_s, 0, 3'600'000);
-    for (const auto* value : {&coachPort, &providerPort, &closeAfter})
+    for (const auto* value : {&coachPort, &chatPort, &providerPort, &closeAfter})
         if (!*value)
             return Bad{value->error()};
     serve.options.coachPort = static_cast<quint16>(*coachPort);
+    serve.options.chatPort = static_cast<quint16>(*chatPort);
     serve.options.providerPort = static_cast<quint16>(*providerPort);
     serve.options.closeAfter = std::chrono::milliseconds{*closeAfter};
     serve.options.keepAudioFolder = parser.value(u"keep-audio"_s);
@@ -165,6 +215,8 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
     for (const auto& mode : parser.values(u"proxy"_s))
         if (const auto added = addProxy(serve.options, mode); !added)
             return Bad{added.error()};
+    if (const auto chosen = chooseAccounts(parser, serve.options.accounts); !chosen)
+        return Bad{chosen.error()};
     if (const auto chosen = chooseTexts(parser, serve); !chosen)
         return Bad{chosen.error()};
     return serve;

@@ -25,6 +25,10 @@ constexpr PlainFault plainFaults[] = {
      QLatin1StringView{"the coach answers start_session with an error"}},
     {QLatin1StringView{"provider-error"}, &Faults::providerError,
      QLatin1StringView{"the provider reports an error with each side's first audio"}},
+    {QLatin1StringView{"refuse-code"}, &Faults::refuseCode,
+     QLatin1StringView{"the token endpoint refuses every code (400)"}},
+    {QLatin1StringView{"refuse-refresh"}, &Faults::refuseRefresh,
+     QLatin1StringView{"the token endpoint refuses every refresh token (400)"}},
 };
 
 constexpr std::chrono::milliseconds slowerThanClientsWait{3500};

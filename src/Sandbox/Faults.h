@@ -20,6 +20,8 @@ struct Faults {
     bool noToken = false;           ///< The session starts without tokens.
     bool silence = false;           ///< The coach never answers.
     bool errorBeforeStart = false;  ///< The coach refuses the session.
+    bool refuseCode = false;        ///< The token endpoint refuses every code.
+    bool refuseRefresh = false;     ///< The token endpoint refuses every refresh token.
     bool providerError = false;     ///< The provider reports an error with the first audio of each side.
     std::optional<CloseAt> closeAt;
     std::optional<std::chrono::milliseconds> slowSummary;

@@ -1,6 +1,9 @@
 #include "Listening.h"
 
+#include <memory>
+#include <QHttpServer>
 #include <QTcpServer>
+#include <vector>
 
 namespace corvellan::sandbox {
 
@@ -34,6 +37,19 @@ std::expected<quint16, Error> listenOnOnePort(std::span<QTcpServer* const> serve
             server->close();
     }
     return std::unexpected(Error{TransportError{why}});
+}
+
+std::expected<quint16, Error> listenOnOnePort(QHttpServer& http, const QList<QHostAddress>& addresses, quint16 port) {
+    std::vector<std::unique_ptr<QTcpServer>> servers;
+    std::vector<QTcpServer*> raw;
+    for (qsizetype i = 0; i < addresses.size(); ++i)
+        raw.push_back(servers.emplace_back(std::make_unique<QTcpServer>()).get());
+    const auto chosen = listenOnOnePort(raw, addresses, port);
+    if (!chosen)
+        return chosen;
+    for (auto& server : servers)
+        http.bind(server.release());  // Makes it a child of the HTTP server.
+    return chosen;
 }
 
 }  // namespace corvellan::sandbox

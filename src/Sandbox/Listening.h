@@ -7,6 +7,7 @@
 
 #include "Base/Error.h"
 
+class QHttpServer;
 class QTcpServer;
 
 namespace corvellan::sandbox {
@@ -18,5 +19,9 @@ namespace corvellan::sandbox {
 /// Lets each server listen on its address, all on one port; 0 finds a port that is free on all.
 [[nodiscard]] std::expected<quint16, Error> listenOnOnePort(std::span<QTcpServer* const> servers,
                                                             const QList<QHostAddress>& addresses, quint16 port);
+
+/// As above, for one HTTP server on all addresses.
+[[nodiscard]] std::expected<quint16, Error> listenOnOnePort(QHttpServer& http, const QList<QHostAddress>& addresses,
+                                                            quint16 port);
 
 }  // namespace corvellan::sandbox

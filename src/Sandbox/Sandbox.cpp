@@ -26,9 +26,11 @@ std::expected<quint16, Error> open(Server& server, std::unique_ptr<WireProxy>& p
 Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
     : m_clock(clock),
       m_log(log),
+      m_accounts(std::move(options.accounts), clock),
       m_provider(
           {.texts = std::move(options.texts), .keepAudioFolder = options.keepAudioFolder, .faults = options.faults},
           m_tokens, log),
+      m_chat(m_accounts, options.faults, log),
       m_coach({.settings = {.faults = options.faults, .closeAfter = options.closeAfter, .providerPort = 0},
                .tokens = m_tokens,
                .calls = m_calls,
@@ -49,10 +51,14 @@ std::expected<void, Error> Sandbox::listen(const SandboxOptions& options) {
     const auto provider = open(m_provider, m_providerProxy, options.providerWire, options.providerPort, m_clock, m_log);
     if (!provider)
         return std::unexpected(provider.error());
+    const auto chat = open(m_chat, m_chatProxy, options.chatWire, options.chatPort, m_clock, m_log);
+    if (!chat)
+        return std::unexpected(chat.error());
     const auto coach = open(m_coach, m_coachProxy, options.coachWire, options.coachPort, m_clock, m_log);
     if (!coach)
         return std::unexpected(coach.error());
     m_providerPort = *provider;
+    m_chatPort = *chat;
     m_coachPort = *coach;
     m_coach.setProviderPort(m_providerPort);
     return {};
@@ -63,6 +69,7 @@ QStringList Sandbox::addressLines() const {
     for (const auto& address : loopbackAddresses()) {
         lines.append(u"coach ws://%1:%2/ws"_s.arg(address.toString()).arg(m_coachPort));
         lines.append(u"rest http://%1:%2"_s.arg(address.toString()).arg(m_coachPort));
+        lines.append(u"chat http://%1:%2"_s.arg(address.toString()).arg(m_chatPort));
         lines.append(u"stt ws://%1:%2/v1/realtime"_s.arg(address.toString()).arg(m_providerPort));
     }
     return lines;

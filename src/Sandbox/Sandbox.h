@@ -7,8 +7,10 @@
 #include <QString>
 #include <QStringList>
 
+#include "AccountBook.h"
 #include "Base/Error.h"
 #include "CallBook.h"
+#include "ChatServer.h"
 #include "CoachServer.h"
 #include "EventLog.h"
 #include "Faults.h"
@@ -20,14 +22,17 @@ namespace corvellan::sandbox {
 
 struct SandboxOptions {
     quint16 coachPort = 3001;
+    quint16 chatPort = 3002;
     quint16 providerPort = 3003;
     UtteranceTextsMaker texts = lengthTexts();
     QString keepAudioFolder;
     std::chrono::milliseconds closeAfter{500};
     /// What the feed of new versions announces; the version of this build unless given.
     std::optional<QString> feedVersion;
+    AccountSettings accounts;
     Faults faults;
     std::optional<WireFault> coachWire;
+    std::optional<WireFault> chatWire;
     std::optional<WireFault> providerWire;
 };
 
@@ -41,11 +46,13 @@ public:
 
     /// What clients connect to, proxies included.
     [[nodiscard]] quint16 coachPort() const { return m_coachPort; }
+    [[nodiscard]] quint16 chatPort() const { return m_chatPort; }
     [[nodiscard]] quint16 providerPort() const { return m_providerPort; }
 
     /// "coach ws://127.0.0.1:3001/ws" and its like, one an address, for programs that start the sandbox.
     [[nodiscard]] QStringList addressLines() const;
 
+    [[nodiscard]] AccountBook& accounts() { return m_accounts; }
     [[nodiscard]] const CallBook& calls() const { return m_calls; }
     [[nodiscard]] const ProviderServer& provider() const { return m_provider; }
 
@@ -57,11 +64,15 @@ private:
     const EventLog& m_log;
     TokenBook m_tokens;
     CallBook m_calls;
+    AccountBook m_accounts;
     ProviderServer m_provider;
+    ChatServer m_chat;
     CoachServer m_coach;
     std::unique_ptr<WireProxy> m_coachProxy;
+    std::unique_ptr<WireProxy> m_chatProxy;
     std::unique_ptr<WireProxy> m_providerProxy;
     quint16 m_coachPort = 0;
+    quint16 m_chatPort = 0;
     quint16 m_providerPort = 0;
 };
 

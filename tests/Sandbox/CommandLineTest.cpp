@@ -34,7 +34,10 @@ class BadCommandLines : public testing::TestWithParam<BadArguments> {};
 TEST(CommandLineTest, servesOnTheUsualPortsByDefault) {
     const auto command = serve({});
     EXPECT_EQ(command.options.coachPort, 3001);
+    EXPECT_EQ(command.options.chatPort, 3002);
     EXPECT_EQ(command.options.providerPort, 3003);
+    EXPECT_EQ(command.options.accounts.tokenLifetime, std::chrono::hours{1});
+    EXPECT_EQ(command.options.accounts.refreshTokens, sandbox::RefreshTokens::rotate);
     EXPECT_EQ(command.options.closeAfter, std::chrono::milliseconds{500});
     EXPECT_TRUE(command.options.keepAudioFolder.isEmpty());
     EXPECT_FALSE(command.options.coachWire);
@@ -65,6 +68,30 @@ TEST(CommandLineTest, announcesWhateverVersionIsAskedFor) {
     EXPECT_EQ(serve({u"--update"_s, QString{}}).options.feedVersion, QString{});
 }
 
+TEST(CommandLineTest, takesWhoSignsInAndHow) {
+    const auto accounts =
+        serve({u"--user"_s, u"a@x.example"_s, u"--user"_s, u"b@x.example"_s, u"--user"_s, u"a@x.example"_s,
+               u"--token-lifetime"_s, u"90"_s, u"--code-lifetime"_s, u"5"_s, u"--refresh-tokens"_s, u"keep"_s})
+            .options.accounts;
+    EXPECT_EQ(accounts.users, (QStringList{u"a@x.example"_s, u"b@x.example"_s}));
+    EXPECT_EQ(accounts.tokenLifetime, std::chrono::seconds{90});
+    EXPECT_EQ(accounts.codeLifetime, std::chrono::seconds{5});
+    EXPECT_EQ(accounts.refreshTokens, sandbox::RefreshTokens::keep);
+    const auto other = serve({u"--token-lifetime"_s, u"forever"_s, u"--refresh-tokens"_s, u"none"_s}).options.accounts;
+    EXPECT_EQ(other.tokenLifetime, std::nullopt);
+    EXPECT_EQ(other.refreshTokens, sandbox::RefreshTokens::none);
+}
+
+TEST(CommandLineTest, putsAProxyInFrontOfTheServerThatItNames) {
+    const auto one = serve({u"--proxy"_s, u"chat:drop:7"_s}).options;
+    EXPECT_FALSE(one.coachWire);
+    EXPECT_FALSE(one.providerWire);
+    EXPECT_EQ(one.chatWire->amount, 7);
+    const auto all = serve({u"--proxy"_s, u"drop:8"_s}).options;
+    EXPECT_EQ(all.chatWire->amount, 8);
+    EXPECT_EQ(all.chatWire, all.coachWire);
+}
+
 TEST(CommandLineTest, takesAShippedScriptByItsName) {
     EXPECT_EQ(serve({u"--script"_s, u"discovery-call"_s}).texts,
               u"texts from the script discovery-call, 22 lines, 113 s"_s);
@@ -92,6 +119,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadArguments{{u"--loud"_s}, u"Unknown option 'loud'."},
         BadArguments{{u"--coach-port"_s, u"x"_s}, u"--coach-port takes a number from 0 to 65535, not \"x\""},
         BadArguments{{u"--stt-port"_s, u"65536"_s}, u"--stt-port takes a number from 0 to 65535, not \"65536\""},
+        BadArguments{{u"--chat-port"_s, u"-1"_s}, u"--chat-port takes a number from 0 to 65535, not \"-1\""},
+        BadArguments{{u"--user"_s, u" "_s}, u"--user: \" \" is no address"},
+        BadArguments{{u"--token-lifetime"_s, u"long"_s},
+                     u"--token-lifetime takes a number from 0 to 3153600000, not \"long\""},
+        BadArguments{{u"--refresh-tokens"_s, u"some"_s}, u"--refresh-tokens takes rotate, keep or none, not \"some\""},
         BadArguments{{u"--fault"_s, u"bad"_s}, u"--fault: there is no fault \"bad\""},
         BadArguments{{u"--fault"_s, u"close-at-step-1:1005"_s},
                      u"--fault: 1005 is no code that a close frame may carry"},

@@ -42,14 +42,15 @@ protected:
 }  // namespace
 
 TEST_F(ProgramTest, printsItsAddressesAndEndsCleanlyOnASignal) {
-    start({u"--coach-port"_s, u"0"_s, u"--stt-port"_s, u"0"_s});
+    start({u"--coach-port"_s, u"0"_s, u"--chat-port"_s, u"0"_s, u"--stt-port"_s, u"0"_s});
     ASSERT_TRUE(prints(u"\nready\n"_s));
     const QStringList lines = output.split(u'\n');
-    ASSERT_GE(lines.size(), 7);
+    ASSERT_GE(lines.size(), 9);
     EXPECT_TRUE(lines[0].startsWith(u"coach ws://127.0.0.1:"_s));
     EXPECT_TRUE(lines[0].endsWith(u"/ws"_s));
-    EXPECT_TRUE(lines[2].startsWith(u"stt ws://127.0.0.1:"_s));
-    EXPECT_TRUE(lines[3].startsWith(u"coach ws://127.0.0.2:"_s));
+    EXPECT_TRUE(lines[2].startsWith(u"chat http://127.0.0.1:"_s));
+    EXPECT_TRUE(lines[3].startsWith(u"stt ws://127.0.0.1:"_s));
+    EXPECT_TRUE(lines[4].startsWith(u"coach ws://127.0.0.2:"_s));
     ASSERT_TRUE(prints(u"no recogniser"_s));
     program.terminate();
     ASSERT_TRUE(ends());
@@ -62,7 +63,7 @@ TEST_F(ProgramTest, saysWhichPortIsTaken) {
     QTcpServer taken;
     ASSERT_TRUE(taken.listen(QHostAddress{u"127.0.0.2"_s}));
     const QString port = QString::number(taken.serverPort());
-    start({u"--coach-port"_s, port, u"--stt-port"_s, u"0"_s});
+    start({u"--coach-port"_s, port, u"--chat-port"_s, u"0"_s, u"--stt-port"_s, u"0"_s});
     ASSERT_TRUE(ends());
     EXPECT_EQ(program.exitCode(), 1);
     EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()),

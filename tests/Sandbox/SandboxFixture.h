@@ -88,6 +88,7 @@ class SandboxFixture : public testing::Test {
 protected:
     void start(sandbox::SandboxOptions options = {}) {
         options.coachPort = 0;
+        options.chatPort = 0;
         options.providerPort = 0;
         auto started = sandbox::Sandbox::start(std::move(options), clock, log);
         ASSERT_TRUE(started) << started.error().errorDescription().toStdString();

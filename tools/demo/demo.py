@@ -24,7 +24,7 @@ import judgement
 import voices
 from program import NotThere, Program, wait_for
 
-PORTS = (3001, 3003)
+PORTS = (3001, 3002, 3003)
 SPEAKERS = {"mic": "Salesperson", "system": "Customer"}
 # From the moment the program listens until the first word may come.
 LEAD_SECONDS = 1.0
