@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 
+#include "FakeStealth.h"
+
 namespace corvellan::test {
 
 namespace {
@@ -20,6 +22,8 @@ struct ScreenDriver::World {
     CoachingOverlayView overlay{fixture.session(), handoffWindow};
     IdleView idle{fixture.session()};
     MainView main{fixture.session()};
+    FakeDesktopHiding hiding;
+    StealthView stealth{fixture.session(), hiding};
 };
 
 ScreenDriver::ScreenDriver() : m_world(std::make_unique<World>()) {}
@@ -36,6 +40,10 @@ QObject* ScreenDriver::idle() {
 
 QObject* ScreenDriver::main() {
     return &m_world->main;
+}
+
+QObject* ScreenDriver::stealth() {
+    return &m_world->stealth;
 }
 
 SessionViewModel& ScreenDriver::session() {
@@ -111,6 +119,22 @@ void ScreenDriver::setFontScale(double scale) {
 
 void ScreenDriver::setProductHint(const QString& text) {
     session().setProductHint(text);
+}
+
+void ScreenDriver::setHidingOffer(const QString& offer, const QString& explanation) {
+    m_world->hiding.setOffer(offer, explanation);
+}
+
+void ScreenDriver::setCaptureVisibility(const QString& visibility, const QString& explanation) {
+    m_world->hiding.setVisibility(visibility, explanation);
+}
+
+void ScreenDriver::setStealth(bool isOn) {
+    session().setIsStealthEnabled(isOn);
+}
+
+bool ScreenDriver::isStealthOn() {
+    return session().isStealthEnabled();
 }
 
 bool ScreenDriver::isSessionActive() {

@@ -9,6 +9,7 @@
 #include "Views/CoachingOverlayView.h"
 #include "Views/IdleView.h"
 #include "Views/MainView.h"
+#include "Views/StealthView.h"
 #include "Views/Theme.h"
 
 namespace corvellan::test {
@@ -19,6 +20,7 @@ class ScreenDriver : public QObject {
     Q_PROPERTY(QObject* overlay READ overlay NOTIFY madeAnew)
     Q_PROPERTY(QObject* idle READ idle NOTIFY madeAnew)
     Q_PROPERTY(QObject* main READ main NOTIFY madeAnew)
+    Q_PROPERTY(QObject* stealth READ stealth NOTIFY madeAnew)
     Q_PROPERTY(QObject* theme READ theme CONSTANT)
 
 public:
@@ -28,6 +30,7 @@ public:
     [[nodiscard]] QObject* overlay();
     [[nodiscard]] QObject* idle();
     [[nodiscard]] QObject* main();
+    [[nodiscard]] QObject* stealth();
     [[nodiscard]] QObject* theme() { return &m_theme; }
 
     /// Forgets everything; call before the screens of a test are made.
@@ -50,6 +53,13 @@ public:
     Q_INVOKABLE void setFontScale(double scale);
     Q_INVOKABLE void setProductHint(const QString& text);
 
+    /// What the desktop offers for hiding the window, by the cases' names, with a sentence.
+    Q_INVOKABLE void setHidingOffer(const QString& offer, const QString& explanation);
+    /// What has come of hiding it, by the cases' names, with a sentence.
+    Q_INVOKABLE void setCaptureVisibility(const QString& visibility, const QString& explanation);
+    Q_INVOKABLE void setStealth(bool isOn);
+
+    Q_INVOKABLE [[nodiscard]] bool isStealthOn();
     Q_INVOKABLE [[nodiscard]] bool isSessionActive();
     Q_INVOKABLE [[nodiscard]] int connectionsAsked() const;
     Q_INVOKABLE [[nodiscard]] int handoffsShown() const;

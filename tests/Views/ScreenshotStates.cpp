@@ -31,6 +31,11 @@ ScreenshotState call(const QString& name, Change change) {
             }};
 }
 
+ScreenshotState tabbed(ScreenshotState state, int tabs) {
+    state.tabs = tabs;
+    return state;
+}
+
 ScreenshotState tip(const QString& name, CoachingType type, const QString& message, CoachingUrgency urgency) {
     return call(name, [=](SessionViewModel& session) {
         session.setCoachingType(type);
@@ -100,6 +105,8 @@ States callStates() {
         call(u"error"_s,
              [](auto& session) { session.setErrorMessage(u"Microphone transcription stopped: connection lost"_s); }),
         call(u"stealth"_s, [](auto& session) { session.setIsStealthEnabled(true); }),
+        tabbed(call(u"stealth-control-focus"_s, [](auto&) {}), 1),
+        tabbed(call(u"stealth-warning-focus"_s, [](auto& session) { session.setIsStealthEnabled(true); }), 2),
     };
 }
 

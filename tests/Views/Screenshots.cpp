@@ -51,6 +51,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     FakeHandoffWindow handoffWindow;
     StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow}};
     session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
+    session.onStealthChanged = [&](bool isEnabled) { panel.setStealth(isEnabled); };
     session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };
     panel.makeKeyAndOrderFront();
     if (!spinUntil([&] { return panel.isExposed(); }))
@@ -75,6 +76,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     spin(600ms);
     const QImage picture = panel.grabWindow();
     session.onSessionActiveChanged = {};
+    session.onStealthChanged = {};
     session.onSessionModeChanged = {};
     const QString path = folder.filePath(state.name + u".png"_s);
     std::printf("%s %dx%d\n", qPrintable(path), picture.width(), picture.height());

@@ -13,6 +13,7 @@
 #include "Views/IdleView.h"
 #include "Views/MainView.h"
 #include "Views/QuickSetup.h"
+#include "Views/StealthView.h"
 #include "Views/Theme.h"
 
 namespace corvellan {
@@ -36,19 +37,22 @@ constexpr auto settlingTime = 1s;
 
 /// Declared before use by the scene, so that it outlives it.
 struct StealthPanel::Content {
-    explicit Content(const Parts& parts)
+    Content(StealthPanel& panel, const Parts& parts)
         : main(parts.session),
           overlay(parts.session, parts.handoffWindowController),
-          idle(parts.session) {}
+          idle(parts.session),
+          stealth(parts.session, parts.captureHiding, parts.selfTest,
+                  [&panel](std::function<void()> painted) { return panel.afterNextFrame(std::move(painted)); }) {}
 
     Theme theme;
     MainView main;
     CoachingOverlayView overlay;
     IdleView idle;
+    StealthView stealth;
 };
 
 StealthPanel::StealthPanel(const Parts& parts)
-    : m_content(std::make_unique<Content>(parts)),
+    : m_content(std::make_unique<Content>(*this, parts)),
       m_preferences(parts.preferences),
       m_captureHiding(parts.captureHiding) {
     m_settling.setSingleShot(true);
@@ -68,6 +72,7 @@ StealthPanel::StealthPanel(const Parts& parts)
         {u"main"_s, QVariant::fromValue(&m_content->main)},
         {u"overlay"_s, QVariant::fromValue(&m_content->overlay)},
         {u"idle"_s, QVariant::fromValue(&m_content->idle)},
+        {u"stealth"_s, QVariant::fromValue(&m_content->stealth)},
         {u"theme"_s, QVariant::fromValue(&m_content->theme)},
     });
     setSource(QUrl{u"qrc:/qt/qml/Corvellan/Views/Main.qml"_s});
@@ -80,6 +85,10 @@ StealthPanel::~StealthPanel() {
 
 CoachingOverlayView& StealthPanel::overlay() {
     return m_content->overlay;
+}
+
+StealthView& StealthPanel::stealth() {
+    return m_content->stealth;
 }
 
 void StealthPanel::enterCallMode() {
@@ -139,6 +148,8 @@ bool StealthPanel::event(QEvent* event) {
         Q_EMIT closedByUser();
         return true;
     }
+    if (event->type() == QEvent::Show)
+        applyStealthAnew();
     const bool isTaken = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease
                              ? keyEvent(static_cast<QKeyEvent&>(*event))
                              : QQuickView::event(event);
@@ -193,7 +204,13 @@ std::optional<QRect> StealthPanel::availableGeometry() const {
 }
 
 void StealthPanel::applyStealth(bool isHidden) {
-    m_captureVisibility = m_captureHiding.setHidden(*this, isHidden);
+    m_isHiddenFromCapture = isHidden;
+    m_captureHiding.setHidden(*this, isHidden);
+}
+
+void StealthPanel::applyStealthAnew() {
+    if (m_isHiddenFromCapture)
+        m_captureHiding.setHidden(*this, true);
 }
 
 void StealthPanel::place(QSize size, Sizing sizing, QRect present) {

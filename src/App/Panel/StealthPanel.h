@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "Platform/CaptureHiding.h"
+#include "Shell/Stealth/CaptureSelfTest.h"
 
 class QKeyEvent;
 
@@ -19,6 +20,7 @@ class CoachingOverlayView;
 class HandoffWindowController;
 class Preferences;
 class SessionViewModel;
+class StealthView;
 
 /// The program's one main window. Between calls an ordinary window; in a call a borderless panel of a
 /// fixed size that stays above others and can be hidden from screen capture.
@@ -36,6 +38,8 @@ public:
         const Preferences& preferences;
         CaptureHiding& captureHiding;
         HandoffWindowController& handoffWindowController;
+        /// Absent where nothing can picture the screen: then the window can't be looked for in captures.
+        std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
     };
 
     /// Builds the idle face. It is not shown yet.
@@ -44,8 +48,8 @@ public:
 
     [[nodiscard]] bool isStealthEnabled() const { return m_isStealthEnabled; }
     [[nodiscard]] bool isInCallMode() const { return m_face == Face::call; }
-    /// What the last attempt to hide the window, or to show it again, came to.
-    [[nodiscard]] CaptureVisibility captureVisibility() const { return m_captureVisibility; }
+    /// Whether captures show the window. It follows by itself when the desktop answers late.
+    [[nodiscard]] CaptureVisibility captureVisibility() const { return m_captureHiding.status().visibility; }
 
     /// The window manager has answered what was asked of it, or has had the time to. Until then the next
     /// face hangs where this one was asked to be.
@@ -53,6 +57,8 @@ public:
 
     /// The view state of the call face.
     [[nodiscard]] CoachingOverlayView& overlay();
+    /// The view state of the stealth control, which tells of `captureVisibility`; for settings too.
+    [[nodiscard]] StealthView& stealth();
 
     void enterCallMode();
     /// Makes the window capturable again and leaves the stealth flag alone: it applies at the next call.
@@ -90,6 +96,8 @@ private:
     /// begin the next.
     bool keyEvent(QKeyEvent& event);
     void applyStealth(bool isHidden);
+    /// The desktop may take a window that was hidden and shown for a new one.
+    void applyStealthAnew();
     /// The window with what the window manager puts round it, as it was asked for last. What the platform
     /// reads while the window manager is at work mixes the place of one face with the title bar of the
     /// other, and a face change in the meantime would shift the window by that bar.
@@ -117,7 +125,7 @@ private:
     QTimer m_settling;
     std::optional<KeyInstant> m_lastRelease;
     bool m_isStealthEnabled = false;
-    CaptureVisibility m_captureVisibility = CaptureVisibility::visible;
+    bool m_isHiddenFromCapture = false;
 };
 
 }  // namespace corvellan

@@ -9,6 +9,8 @@ FocusScope {
 
     required property CoachingOverlayView overlay
     required property Theme theme
+    /// Null where the host has a stealth control of its own.
+    property StealthView stealth: null
     readonly property int margin: 12
 
     ColumnLayout {
@@ -150,6 +152,7 @@ FocusScope {
             Layout.bottomMargin: 1
             overlay: root.overlay
             theme: root.theme
+            stealth: root.stealth
         }
     }
 }

@@ -8,6 +8,7 @@ Item {
     required property MainView main
     required property CoachingOverlayView overlay
     required property IdleView idle
+    required property StealthView stealth
     required property Theme theme
 
     Rectangle {
@@ -29,9 +30,17 @@ Item {
         focus: true
     }
 
+    CaptureMarker {
+        x: 2
+        y: 2
+        z: 1
+        objectName: "captureMarker"
+        stealth: root.stealth
+    }
+
     function showFace() {
         if (main.isSessionActive)
-            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: theme });
+            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: theme, stealth: stealth });
         else
             face.setSource("IdleScreen.qml", { idle: idle, theme: theme });
     }

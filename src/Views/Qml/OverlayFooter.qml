@@ -2,12 +2,14 @@ import QtQuick
 import QtQuick.Layouts
 import Corvellan.Views
 
-/// What went wrong, and the way out of the call.
+/// What went wrong, whether the window is hidden, and the way out of the call.
 RowLayout {
     id: root
 
     required property CoachingOverlayView overlay
     required property Theme theme
+    /// Null where the host has a stealth control of its own.
+    property StealthView stealth: null
 
     spacing: 8
 
@@ -32,7 +34,7 @@ RowLayout {
         }
         Tip {
             parent: problem
-            y: -height - 4
+            isAbove: true
             theme: root.theme
             text: problem.text
             visible: pointer.hovered && problem.truncated
@@ -42,6 +44,17 @@ RowLayout {
     AccessibleAlert {
         target: problem
         text: root.overlay.errorMessage
+    }
+
+    Loader {
+        id: stealthPlace
+
+        visible: status === Loader.Ready
+    }
+
+    Component.onCompleted: {
+        if (stealth)
+            stealthPlace.setSource("StealthControl.qml", { stealth: stealth, theme: theme, hasTipsAbove: true });
     }
 
     PlainButton {

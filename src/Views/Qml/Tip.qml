@@ -2,20 +2,22 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvellan.Views
 
-/// The whole of a text that is cut off where it stands.
+/// What a small thing means, or the whole of a text that is cut off where it stands.
 T.ToolTip {
     id: root
 
     required property Theme theme
+    property bool isAbove: false
+    property real widest: 360
 
     x: 0
-    y: parent ? parent.height + 4 : 0
+    y: isAbove ? -height - 4 : parent ? parent.height + 4 : 0
     margins: 6
     padding: 6
     leftPadding: 8
     rightPadding: 8
     delay: 400
-    implicitWidth: Math.min(implicitContentWidth + leftPadding + rightPadding, 360)
+    implicitWidth: Math.min(implicitContentWidth + leftPadding + rightPadding, widest)
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
 

@@ -10,15 +10,28 @@
 
 namespace corvellan::test {
 
-/// Remembers what it was asked, and answers as a desktop that can hide windows.
+/// Remembers what it was asked, and answers at once, as a desktop that can hide windows unless told otherwise.
 class FakeCaptureHiding final : public CaptureHiding {
 public:
-    CaptureVisibility setHidden(QWindow& /*window*/, bool isHidden) override {
+    void setHidden(const QWindow& /*window*/, bool isHidden) override {
         asked.push_back(isHidden);
-        return isHidden ? CaptureVisibility::hidden : CaptureVisibility::visible;
+        tell(isHidden ? answer : CaptureVisibility::visible);
+    }
+    [[nodiscard]] CaptureHidingStatus status() const override { return m_status; }
+
+    /// As when the desktop answers late.
+    void tell(CaptureVisibility visibility) {
+        m_status.visibility = visibility;
+        if (onChanged)
+            onChanged();
     }
 
     std::vector<bool> asked;
+    /// What asking to hide comes to at first.
+    CaptureVisibility answer = CaptureVisibility::hidden;
+
+private:
+    CaptureHidingStatus m_status{.offer = CaptureHidingOffer::hides, .explanation = QStringLiteral("It hides.")};
 };
 
 class IgnoredHandoffWindow final : public HandoffWindowController {

@@ -2,9 +2,14 @@
 
 #include <cstdlib>
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QScreen>
 
 #include "PanelFixture.h"
+#include "Platform/Linux/CaptureHiding/MakeCaptureHiding.h"
+#include "Platform/Linux/Screenshots/MakeScreenPictures.h"
+#include "Support/FakeScreenPictures.h"
+#include "Views/StealthView.h"
 
 namespace corvellan::test {
 
@@ -144,6 +149,59 @@ TEST_F(PanelOnScreenTest, orderFrontLeavesTheKeyboardWhereItIs) {
     ASSERT_TRUE(spinUntil([&] { return frames == 1; }));
     EXPECT_TRUE(other.isActive());
     EXPECT_FALSE(panel.isActive());
+}
+
+/// The panel as the program makes it on this desktop, X11 under Xvfb.
+class PanelSelfTestOnScreen : public testing::Test {
+protected:
+    StealthPanel& show(ScreenPictures& pictures) {
+        panel.emplace(StealthPanel::Parts{fixture.session(), fixture.preferences, *captureHiding, handoffWindow,
+                                          CaptureSelfTest::Means{pictures, clock, worker.executor()}});
+        panel->makeKeyAndOrderFront();
+        EXPECT_TRUE(spinUntil([&] { return panel->isExposed(); }));
+        return *panel;
+    }
+    QString runSelfTest() {
+        panel->stealth().runSelfTest();
+        EXPECT_TRUE(spinUntil([&] { return !panel->stealth().isTesting(); }, std::chrono::seconds{60}));
+        EXPECT_TRUE(panel->stealth().markerColors().isEmpty());
+        return panel->stealth().testResultText();
+    }
+
+    SystemClock clock;
+    WorkerThread worker{"test-worker"};
+    SessionFixture fixture;
+    DesktopSession session = DesktopSession::current();
+    std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session);
+    std::unique_ptr<ScreenPictures> pictures = makeScreenPictures(worker.executor(), clock, session);
+    IgnoredHandoffWindow handoffWindow;
+    std::optional<StealthPanel> panel;
+};
+
+TEST_F(PanelSelfTestOnScreen, onX11APictureOfTheScreenShowsTheWindowInEveryFace) {
+    show(*pictures);
+    EXPECT_TRUE(runSelfTest().startsWith(u"Visible to capture"_s)) << runSelfTest().toStdString();
+    panel->enterCallMode();
+    panel->setStealth(true);
+    EXPECT_EQ(panel->captureVisibility(), CaptureVisibility::unsupported);
+    for (const QString& mode : {u"full"_s, u"coach"_s, u"mini"_s}) {
+        panel->setSessionMode(mode);
+        ASSERT_TRUE(spinUntil([&] { return panel->width() == panel->rootObject()->width(); }));
+        EXPECT_TRUE(runSelfTest().startsWith(u"Visible to capture"_s)) << mode.toStdString();
+    }
+}
+
+TEST_F(PanelSelfTestOnScreen, aPictureWithoutTheWindowMeansHidden) {
+    FakeScreenPictures without;
+    without.give(FakeScreenPictures::desktop());
+    show(without);
+    EXPECT_TRUE(runSelfTest().startsWith(u"Not visible"_s));
+}
+
+TEST_F(PanelSelfTestOnScreen, aWindowThatIsHiddenFromTheUserCantBeTested) {
+    show(*pictures).close();
+    ASSERT_TRUE(spinUntil([&] { return !panel->isExposed(); }));
+    EXPECT_TRUE(runSelfTest().startsWith(u"Could not capture"_s));
 }
 
 }  // namespace

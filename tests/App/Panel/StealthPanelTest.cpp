@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 
 #include "PanelFixture.h"
+#include "Views/StealthView.h"
 
 namespace corvellan::test {
 
@@ -117,6 +118,40 @@ TEST_F(StealthPanelTest, leavingACallShowsTheWindowToCapturesAndKeepsTheFlag) {
 
     panel.enterCallMode();
     EXPECT_EQ(captureHiding.asked, (std::vector<bool>{false, true}));
+}
+
+TEST_F(StealthPanelTest, idleModeShowsTheWindowAgainAlsoWhenItWasHiddenInTheIdleFace) {
+    panel.setStealth(true);
+    panel.enterIdleMode();
+    EXPECT_TRUE(panel.isStealthEnabled());
+    EXPECT_EQ(captureHiding.asked, (std::vector<bool>{true, false}));
+    EXPECT_EQ(panel.captureVisibility(), CaptureVisibility::visible);
+}
+
+TEST_F(StealthPanelTest, aLateAnswerOfTheDesktopIsFollowed) {
+    captureHiding.answer = CaptureVisibility::hiding;
+    panel.setStealth(true);
+    EXPECT_EQ(panel.captureVisibility(), CaptureVisibility::hiding);
+    captureHiding.tell(CaptureVisibility::hidden);
+    EXPECT_EQ(panel.captureVisibility(), CaptureVisibility::hidden);
+    EXPECT_FALSE(panel.stealth().hasWarning());
+}
+
+TEST_F(StealthPanelTest, aHiddenWindowIsHiddenAnewWhenItIsShownAgain) {
+    panel.makeKeyAndOrderFront();
+    panel.enterCallMode();
+    panel.setStealth(true);
+    panel.close();
+    captureHiding.asked.clear();
+
+    panel.makeKeyAndOrderFront();
+    EXPECT_EQ(captureHiding.asked, std::vector<bool>{true});
+
+    panel.enterIdleMode();
+    panel.close();
+    captureHiding.asked.clear();
+    panel.makeKeyAndOrderFront();
+    EXPECT_TRUE(captureHiding.asked.empty()) << "nothing is hidden between calls";
 }
 
 TEST_F(StealthPanelTest, aDesktopThatCantHideWindowsIsNamedSo) {

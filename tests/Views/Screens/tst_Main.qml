@@ -20,6 +20,7 @@ TestCase {
             main: driver.main
             overlay: driver.overlay
             idle: driver.idle
+            stealth: driver.stealth
             theme: driver.theme
         }
     }

@@ -1,0 +1,1 @@
+corvellan_fuzz(HyprlandReply LINK Corvellan::LinuxCaptureHiding)

@@ -1,0 +1,53 @@
+import QtQuick
+import Corvellan.Views
+
+/// Hides the window from screen sharing, or shows it again. Hovered or focused it says whether that works here.
+PressButton {
+    id: root
+
+    required property StealthView stealth
+    required property Theme theme
+    /// Of the eye while stealth is off and on.
+    property color offColor: theme.cyan
+    property color onColor: Qt.alpha(theme.white, 0.25)
+    property real size: 13
+    property bool hasTipsAbove: false
+    /// Where the window is hardly higher than a tip.
+    property bool isCompact: false
+
+    implicitWidth: theme.hitTarget
+    implicitHeight: theme.hitTarget
+    checkable: false
+    Accessible.name: qsTr("Stealth")
+    Accessible.description: root.stealth.controlTip
+    Accessible.checkable: true
+    Accessible.checked: root.stealth.isStealthOn
+    onClicked: root.stealth.toggle()
+
+    contentItem: IconLabel {
+        theme: root.theme
+        symbol: root.stealth.controlSymbol
+        size: root.size
+        color: root.stealth.isStealthOn ? root.onColor : root.offColor
+        horizontalAlignment: Text.AlignHCenter
+    }
+
+    background: Rectangle {
+        radius: 5
+        color: Qt.alpha(root.theme.white, root.down ? 0.14 : root.hovered ? 0.08 : 0)
+        border.width: root.visualFocus ? 2 : 0
+        border.color: root.theme.focusRing
+    }
+
+    Tip {
+        objectName: "stealthTip"
+        theme: root.theme
+        text: root.stealth.controlTip
+        isAbove: root.hasTipsAbove
+        widest: root.isCompact && root.Window.window ? root.Window.window.width - 2 * margins : 360
+        margins: root.isCompact ? 1 : 6
+        topPadding: root.isCompact ? 2 : 6
+        bottomPadding: topPadding
+        visible: root.hovered || root.visualFocus
+    }
+}
