@@ -109,6 +109,7 @@ void AppDelegate::makePanel() {
         .preferences = m_environment.session.preferences,
         .captureHiding = m_environment.desktop.captureHiding,
         .handoffWindowController = m_environment.handoffWindow,
+        .selfTest = m_environment.captureTest,
     });
     connect(m_panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::onPanelClosed);
 }

@@ -3,6 +3,7 @@
 #include <expected>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <QCoroTask>
 #include <QString>
 
@@ -11,6 +12,7 @@
 #include "Base/Error.h"
 #include "Services/Protocols/SessionStoreProtocol.h"
 #include "Services/Protocols/UpdateFeedProtocol.h"
+#include "Shell/Stealth/CaptureSelfTest.h"
 #include "ViewModels/SessionViewModel.h"
 
 namespace corvellan {
@@ -58,6 +60,8 @@ struct AppEnvironment {
     MonotonicTime launchedAt{};
     /// Ends the event loop.
     std::function<void()> terminate;
+    /// For looking whether captures show the panel; absent where nothing can picture the screen.
+    std::optional<CaptureSelfTest::Means> captureTest = std::nullopt;
 };
 
 }  // namespace corvellan

@@ -18,6 +18,7 @@
 #include "Platform/CaptureHiding.h"
 #include "Platform/Linux/Activation/DesktopActivation.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
+#include "Platform/Linux/CaptureHiding/MakeCaptureHiding.h"
 #include "Platform/Linux/Keys/LinuxGlobalKeys.h"
 #include "Platform/Linux/Loopback/SocketLoopbackListener.h"
 #include "Platform/Linux/Notifications/DesktopNotifications.h"
@@ -25,6 +26,7 @@
 #include "Platform/Linux/Permissions/DesktopSettings.h"
 #include "Platform/Linux/Permissions/XdgLoginItems.h"
 #include "Platform/Linux/PulseAudioInputs.h"
+#include "Platform/Linux/Screenshots/MakeScreenPictures.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
 #include "Services/Auth/TokenFile.h"
@@ -95,7 +97,9 @@ struct RealParts {
     std::unique_ptr<GlobalKeys> globalKeys = makeGlobalKeys(clock);
     DesktopNotifications notifications{bus};
     DesktopActivation activation;
-    std::unique_ptr<CaptureHiding> captureHiding = std::make_unique<NoCaptureHiding>();
+    DesktopSession session = DesktopSession::current();
+    std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session, bus);
+    std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);
     TrayStatusBar statusBar;
     AbsentHandoffWindow handoffWindow;
 };
@@ -143,6 +147,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
         .runningVersion = deployment::version(),
         .launchedAt = launchedAt,
         .terminate = [] { QCoreApplication::exit(0); },
+        .captureTest = CaptureSelfTest::Means{*parts.screenPictures, parts.clock, parts.worker.executor()},
     };
 }
 
