@@ -11,14 +11,6 @@ namespace corvellan {
 
 namespace {
 
-ServerMode serverMode(const std::optional<QString>& stored) {
-    if (stored == u"local")
-        return ServerMode::local;
-    if (stored == u"custom")
-        return ServerMode::custom;
-    return ServerMode::production;
-}
-
 double storedFontScale(const Preferences& preferences) {
     const double stored = preferences.number(u"fontScale"_s).value_or(0);
     return stored > 0 ? stored : 1.5;
@@ -66,8 +58,8 @@ SessionViewModel::SessionViewModel(SessionEnvironment environment, std::unique_p
             weak->onTtsPlayingChanged(isPlaying);
     });
 
-    m_serverURL = resolveURL(serverMode(preferences.string(u"serverMode"_s)), preferences.string(u"customServerURL"_s),
-                             m_environment.productionUrl);
+    m_serverURL = resolveURL(storedServerMode(preferences.string(u"serverMode"_s)),
+                             preferences.string(u"customServerURL"_s), m_environment.productionUrl);
 
     if (const auto tokens = cachedTokens(m_environment.tokenFilePath);
         tokens && tokens->isValid(m_environment.clock.wallNow()))

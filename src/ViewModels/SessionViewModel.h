@@ -17,6 +17,7 @@
 #include "Models/Protocol.h"
 #include "Models/Types.h"
 #include "Published.h"
+#include "ServerMode.h"
 #include "Services/Protocols/AudioServiceProtocol.h"
 #include "Services/Protocols/AuthServiceProtocol.h"
 #include "Services/Protocols/BriefingServiceProtocol.h"
@@ -34,9 +35,6 @@ namespace corvellan {
 
 /// The turn in a training session.
 enum class TrainStage { listening, waitingLLM, counterpartSpeaking, coaching };
-
-/// Which coaching server the program talks to.
-enum class ServerMode { production, local, custom };
 
 /// What a session is about; everything absent by default.
 struct StartRequest {
