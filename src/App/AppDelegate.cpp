@@ -11,7 +11,6 @@
 #include "Platform/Notifications.h"
 #include "Platform/StatusBar.h"
 #include "Platform/WindowActivation.h"
-#include "Shell/LaunchAtLogin.h"
 #include "Views/HandoffWindowController.h"
 
 using namespace Qt::StringLiterals;
@@ -32,7 +31,8 @@ constexpr auto quitPatience = 2s;
 AppDelegate::AppDelegate(AppEnvironment environment)
     : m_environment(std::move(environment)),
       m_permissionChecker(m_environment.desktop.permissions, m_environment.desktop.systemSettings,
-                          m_environment.desktop.alerts) {
+                          m_environment.desktop.alerts),
+      m_launchAtLogin(m_environment.desktop.loginItems, m_environment.session.preferences) {
     auto webSocket = m_environment.services.makeWebSocket();
     auto audio = m_environment.services.makeAudio();
     auto stt = m_environment.services.makeMicrophoneStt();
@@ -57,7 +57,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     };
     // Whatever the answer: a reminder asks again.
     static_cast<void>(notifications.requestAuthorization());
-    LaunchAtLogin{m_environment.desktop.loginItems, m_environment.session.preferences}.registerIfFirstLaunch();
+    m_launchAtLogin.registerIfFirstLaunch();
     openStore();
     makePanel();
     m_menuBarController = std::make_unique<MenuBarController>(MenuBarController::Parts{
@@ -109,6 +109,17 @@ void AppDelegate::makePanel() {
         .preferences = m_environment.session.preferences,
         .captureHiding = m_environment.desktop.captureHiding,
         .handoffWindowController = m_environment.handoffWindow,
+        .appearance = m_environment.desktop.appearance,
+        .settings = {.permissions = m_permissionChecker,
+                     .launchAtLogin = m_launchAtLogin,
+                     .notifications = m_environment.desktop.notifications,
+                     .systemSettings = m_environment.desktop.systemSettings,
+                     .browser = m_environment.desktop.browser,
+                     .productionUrl = m_environment.session.productionUrl,
+                     .chatUrl = m_environment.session.chatUrl,
+                     .extensionUrl = m_environment.extensionUrl,
+                     .version = m_environment.runningVersion,
+                     .build = m_environment.runningBuild},
         .selfTest = m_environment.captureTest,
     });
     connect(m_panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::onPanelClosed);
@@ -123,6 +134,12 @@ void AppDelegate::installKeyMonitors() {
     });
     m_globalHotkeyMonitor =
         m_environment.desktop.globalKeys.addGlobalMonitor([this](const KeyDown& key) { onGlobalKeyDown(key); });
+    m_globalHotkeyMonitor->onChanged = [this] { showKeyWatch(); };
+    showKeyWatch();
+}
+
+void AppDelegate::showKeyWatch() {
+    m_panel->settings().setGlobalKeyWatch(m_globalHotkeyMonitor->watch(), m_globalHotkeyMonitor->explanation());
 }
 
 void AppDelegate::onGlobalKeyDown(const KeyDown& key) {

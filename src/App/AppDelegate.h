@@ -8,6 +8,7 @@
 #include "AppEnvironment.h"
 #include "Base/Tasks.h"
 #include "Platform/GlobalKeys.h"
+#include "Shell/LaunchAtLogin.h"
 #include "Shell/PermissionChecker.h"
 
 namespace corvellan {
@@ -62,6 +63,8 @@ private:
     void makePanel();
     void installKeyMonitors();
     void onGlobalKeyDown(const KeyDown& key);
+    /// The settings tell the user whether the shortcut works.
+    void showKeyWatch();
     void installCallbacks();
     void startMeetingChecks();
     void startPermissionChecks();
@@ -84,6 +87,7 @@ private:
     std::unique_ptr<SessionViewModel> m_viewModel;
     std::unique_ptr<UpdaterProtocol> m_updaterController;
     PermissionChecker m_permissionChecker;
+    LaunchAtLogin m_launchAtLogin;
     std::unique_ptr<StealthPanel> m_panel;
     std::unique_ptr<MenuBarController> m_menuBarController;
     std::unique_ptr<LocalKeyMonitor> m_keyMonitor;

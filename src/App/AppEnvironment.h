@@ -19,6 +19,7 @@ namespace corvellan {
 
 class AlertPresenter;
 class CaptureHiding;
+class DesktopAppearance;
 class GlobalKeys;
 class HandoffWindowController;
 class LoginItems;
@@ -26,6 +27,7 @@ class NotificationCenter;
 class PermissionSource;
 class StatusBar;
 class SystemSettings;
+class WebBrowser;
 class WindowActivation;
 
 /// The desktop, as far as the program's shell uses it.
@@ -39,6 +41,8 @@ struct Desktop {
     AlertPresenter& alerts;
     WindowActivation& activation;
     CaptureHiding& captureHiding;
+    WebBrowser& browser;
+    DesktopAppearance& appearance;
 };
 
 /// An open record store.
@@ -56,6 +60,8 @@ struct AppEnvironment {
     std::function<std::unique_ptr<UpdaterProtocol>()> makeUpdater;
     std::function<QCoro::Task<std::expected<OpenedStore, Error>>()> openStore;
     QString runningVersion;
+    QString runningBuild;
+    QString extensionUrl;  ///< Where the browser extension is to be had.
     /// When `main` began, for the start-up figures.
     MonotonicTime launchedAt{};
     /// Ends the event loop.

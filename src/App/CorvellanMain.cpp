@@ -16,6 +16,7 @@
 #include "Base/SettingsPreferences.h"
 #include "Models/MemoryStore.h"
 #include "Platform/CaptureHiding.h"
+#include "Platform/DesktopAppearance.h"
 #include "Platform/Linux/Activation/DesktopActivation.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
 #include "Platform/Linux/CaptureHiding/MakeCaptureHiding.h"
@@ -100,6 +101,7 @@ struct RealParts {
     DesktopSession session = DesktopSession::current();
     std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session, bus);
     std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);
+    std::unique_ptr<DesktopAppearance> appearance = std::make_unique<NoDesktopAppearance>();
     TrayStatusBar statusBar;
     AbsentHandoffWindow handoffWindow;
 };
@@ -129,7 +131,9 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .systemSettings = parts.systemSettings,
                     .alerts = parts.alerts,
                     .activation = parts.activation,
-                    .captureHiding = *parts.captureHiding},
+                    .captureHiding = *parts.captureHiding,
+                    .browser = parts.browser,
+                    .appearance = *parts.appearance},
         .handoffWindow = parts.handoffWindow,
         .updateFeed = parts.updateFeed,
         .makeUpdater =
@@ -145,6 +149,8 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
             co_return OpenedStore{.store = std::move(opened->store)};
         },
         .runningVersion = deployment::version(),
+        .runningBuild = deployment::build(),
+        .extensionUrl = deployment::extensionUrl(),
         .launchedAt = launchedAt,
         .terminate = [] { QCoreApplication::exit(0); },
         .captureTest = CaptureSelfTest::Means{*parts.screenPictures, parts.clock, parts.worker.executor()},

@@ -38,6 +38,15 @@ QString glyphOf(const SymbolRow& row) {
     return QString::fromUcs4(&row.codePoint, 1);
 }
 
+/// Loads the font at the first call: a program has two themes.
+const QString& embeddedIconFamily() {
+    static const QString family = [] {
+        const int id = QFontDatabase::addApplicationFont(u":/corvellan/icons.ttf"_s);
+        return QFontDatabase::applicationFontFamilies(id).value(0);
+    }();
+    return family;
+}
+
 QColor base(ColorRole role) {
     switch (role) {
     case ColorRole::white: return QColor{255, 255, 255};
@@ -91,9 +100,7 @@ Theme::Theme(QObject* parent) : QObject(parent) {
     // Families that a desktop may have instead; the last is the font system's own choice.
     QFont::insertSubstitutions(textFamily(), {u"Noto Sans"_s, u"Cantarell"_s, u"DejaVu Sans"_s, u"sans-serif"_s});
     QFont::insertSubstitutions(monospacedFamily(), {u"Noto Mono"_s, u"DejaVu Sans Mono"_s, u"monospace"_s});
-    const int id = QFontDatabase::addApplicationFont(u":/corvellan/icons.ttf"_s);
-    if (const QStringList families = QFontDatabase::applicationFontFamilies(id); !families.isEmpty())
-        m_iconFamily = families.first();
+    m_iconFamily = embeddedIconFamily();
 }
 
 QString Theme::textFamily() const {
@@ -108,6 +115,13 @@ QString Theme::emojiFamily() const {
     return u"Noto Color Emoji"_s;
 }
 
+void Theme::setIsDark(bool isDark) {
+    if (m_isDark == isDark)
+        return;
+    m_isDark = isDark;
+    Q_EMIT schemeChanged();
+}
+
 QColor Theme::white() {
     return paint(ColorRole::white);
 }
@@ -116,32 +130,87 @@ QColor Theme::black() {
     return QColor{0, 0, 0};
 }
 
-QColor Theme::red() {
-    return paint(ColorRole::red);
+// The light ones are darker, so that they can be read as text on a light ground.
+
+QColor Theme::red() const {
+    return m_isDark ? paint(ColorRole::red) : QColor{0xc4, 0x1c, 0x14};
 }
 
-QColor Theme::orange() {
-    return paint(ColorRole::orange);
+QColor Theme::orange() const {
+    return m_isDark ? paint(ColorRole::orange) : QColor{0xa3, 0x4d, 0x00};
 }
 
-QColor Theme::green() {
-    return paint(ColorRole::green);
+QColor Theme::green() const {
+    return m_isDark ? paint(ColorRole::green) : QColor{0x17, 0x7a, 0x35};
 }
 
-QColor Theme::cyan() {
-    return paint(ColorRole::cyan);
+QColor Theme::gray() const {
+    return m_isDark ? paint(ColorRole::gray) : QColor{0x6c, 0x6c, 0x72};
 }
 
-QColor Theme::gold() {
-    return paint(ColorRole::gold);
+QColor Theme::cyan() const {
+    return m_isDark ? paint(ColorRole::cyan) : QColor{0x00, 0x6f, 0x94};
 }
 
-QColor Theme::windowBackground() {
-    return QColor{0x1c, 0x1c, 0x20};
+QColor Theme::gold() const {
+    return m_isDark ? paint(ColorRole::gold) : QColor{0x86, 0x65, 0x1c};
 }
 
-QColor Theme::focusRing() {
-    return paint(ColorRole::cyan, 0.9);
+QVariantMap Theme::named() const {
+    // As text on a card the plain dark red is too dim.
+    return {{u"green"_s, green()},
+            {u"gray"_s, gray()},
+            {u"orange"_s, orange()},
+            {u"red"_s, m_isDark ? QColor{0xff, 0x6b, 0x61} : red()},
+            {QString{}, foreground()}};
+}
+
+QColor Theme::accent() const {
+    return m_isDark ? paint(ColorRole::blue) : QColor{0x0b, 0x63, 0xce};
+}
+
+QColor Theme::foreground() const {
+    return m_isDark ? white() : QColor{0x1d, 0x1d, 0x20};
+}
+
+QColor Theme::secondary() const {
+    return m_isDark ? QColor{0xa6, 0xa6, 0xac} : QColor{0x5f, 0x5f, 0x66};
+}
+
+QColor Theme::errorText() const {
+    return m_isDark ? QColor{0xff, 0x9d, 0x96} : QColor{0x9c, 0x17, 0x10};
+}
+
+QColor Theme::prominentText() const {
+    return m_isDark ? black() : white();
+}
+
+QColor Theme::windowBackground() const {
+    return m_isDark ? QColor{0x1c, 0x1c, 0x20} : QColor{0xf2, 0xf2, 0xf5};
+}
+
+QColor Theme::cardBackground() const {
+    return m_isDark ? QColor{0x27, 0x27, 0x2c} : white();
+}
+
+QColor Theme::hairline() const {
+    return m_isDark ? paint(ColorRole::white, 0.1) : QColor{0, 0, 0, 0x1c};
+}
+
+QColor Theme::controlBackground() const {
+    return m_isDark ? QColor{0x3a, 0x3a, 0x41} : QColor{0xfb, 0xfb, 0xfc};
+}
+
+QColor Theme::controlBorder() const {
+    return m_isDark ? QColor{0x74, 0x74, 0x7d} : QColor{0x8a, 0x8a, 0x92};
+}
+
+QColor Theme::popupBackground() const {
+    return m_isDark ? QColor{0x2c, 0x2c, 0x30} : white();
+}
+
+QColor Theme::focusRing() const {
+    return m_isDark ? paint(ColorRole::cyan, 0.9) : accent();
 }
 
 QString Theme::glyph(const QString& symbol) const {

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QQmlEngine>
 #include <QString>
+#include <QVariantMap>
 #include <string_view>
 #include <vector>
 
@@ -27,6 +28,7 @@ namespace corvellan {
 [[nodiscard]] std::vector<std::string_view> symbolNames();
 
 /// The looks of the program in one place: colours, fonts and icons. Screens are handed this object.
+/// Colours follow the scheme, dark at first; a call's panel has a theme of its own that stays dark.
 /// Needs the QGuiApplication.
 class Theme : public QObject {
     Q_OBJECT
@@ -38,17 +40,44 @@ class Theme : public QObject {
     Q_PROPERTY(QString emojiFamily READ emojiFamily CONSTANT)
     Q_PROPERTY(QString iconFamily READ iconFamily CONSTANT)
 
+    Q_PROPERTY(bool isDark READ isDark WRITE setIsDark NOTIFY schemeChanged)
+
+    // The same in both schemes.
     Q_PROPERTY(QColor white READ white CONSTANT)
     Q_PROPERTY(QColor black READ black CONSTANT)
-    Q_PROPERTY(QColor red READ red CONSTANT)
-    Q_PROPERTY(QColor orange READ orange CONSTANT)
-    Q_PROPERTY(QColor green READ green CONSTANT)
-    Q_PROPERTY(QColor cyan READ cyan CONSTANT)
-    Q_PROPERTY(QColor gold READ gold CONSTANT)
+
+    Q_PROPERTY(QColor red READ red NOTIFY schemeChanged)
+    Q_PROPERTY(QColor orange READ orange NOTIFY schemeChanged)
+    Q_PROPERTY(QColor green READ green NOTIFY schemeChanged)
+    Q_PROPERTY(QColor gray READ gray NOTIFY schemeChanged)
+    Q_PROPERTY(QColor cyan READ cyan NOTIFY schemeChanged)
+    Q_PROPERTY(QColor gold READ gold NOTIFY schemeChanged)
+    /// Those that view states tell by name: "green", "gray", "orange", "red"; under "" the one of ordinary text.
+    Q_PROPERTY(QVariantMap named READ named NOTIFY schemeChanged)
+    /// Links, and switches that are on.
+    Q_PROPERTY(QColor accent READ accent NOTIFY schemeChanged)
+
+    /// Text and symbols.
+    Q_PROPERTY(QColor foreground READ foreground NOTIFY schemeChanged)
+    /// Values, captions and what else stands back.
+    Q_PROPERTY(QColor secondary READ secondary NOTIFY schemeChanged)
+    Q_PROPERTY(QColor errorText READ errorText NOTIFY schemeChanged)
+    /// On a button that is filled with a colour.
+    Q_PROPERTY(QColor prominentText READ prominentText NOTIFY schemeChanged)
+
     /// The surface of the window between calls; opaque.
-    Q_PROPERTY(QColor windowBackground READ windowBackground CONSTANT)
+    Q_PROPERTY(QColor windowBackground READ windowBackground NOTIFY schemeChanged)
+    /// The surface of a group of rows.
+    Q_PROPERTY(QColor cardBackground READ cardBackground NOTIFY schemeChanged)
+    Q_PROPERTY(QColor hairline READ hairline NOTIFY schemeChanged)
+    /// The surface of buttons, pickers and fields, and the line round them.
+    Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY schemeChanged)
+    Q_PROPERTY(QColor controlBorder READ controlBorder NOTIFY schemeChanged)
+    /// The surface of lists and tips that lie above others; opaque.
+    Q_PROPERTY(QColor popupBackground READ popupBackground NOTIFY schemeChanged)
     /// The ring round the control that has the keyboard.
-    Q_PROPERTY(QColor focusRing READ focusRing CONSTANT)
+    Q_PROPERTY(QColor focusRing READ focusRing NOTIFY schemeChanged)
+
     /// The smallest side of anything that can be pressed, in pixels.
     Q_PROPERTY(int hitTarget READ hitTarget CONSTANT)
 
@@ -60,21 +89,40 @@ public:
     [[nodiscard]] QString emojiFamily() const;
     [[nodiscard]] QString iconFamily() const { return m_iconFamily; }
 
+    [[nodiscard]] bool isDark() const { return m_isDark; }
+    void setIsDark(bool isDark);
+
     [[nodiscard]] static QColor white();
     [[nodiscard]] static QColor black();
-    [[nodiscard]] static QColor red();
-    [[nodiscard]] static QColor orange();
-    [[nodiscard]] static QColor green();
-    [[nodiscard]] static QColor cyan();
-    [[nodiscard]] static QColor gold();
-    [[nodiscard]] static QColor windowBackground();
-    [[nodiscard]] static QColor focusRing();
+    [[nodiscard]] QColor red() const;
+    [[nodiscard]] QColor orange() const;
+    [[nodiscard]] QColor green() const;
+    [[nodiscard]] QColor gray() const;
+    [[nodiscard]] QColor cyan() const;
+    [[nodiscard]] QColor gold() const;
+    [[nodiscard]] QVariantMap named() const;
+    [[nodiscard]] QColor accent() const;
+    [[nodiscard]] QColor foreground() const;
+    [[nodiscard]] QColor secondary() const;
+    [[nodiscard]] QColor errorText() const;
+    [[nodiscard]] QColor prominentText() const;
+    [[nodiscard]] QColor windowBackground() const;
+    [[nodiscard]] QColor cardBackground() const;
+    [[nodiscard]] QColor hairline() const;
+    [[nodiscard]] QColor controlBackground() const;
+    [[nodiscard]] QColor controlBorder() const;
+    [[nodiscard]] QColor popupBackground() const;
+    [[nodiscard]] QColor focusRing() const;
     [[nodiscard]] static int hitTarget() { return 28; }
 
     Q_INVOKABLE [[nodiscard]] QString glyph(const QString& symbol) const;
 
+Q_SIGNALS:
+    void schemeChanged();
+
 private:
     QString m_iconFamily;
+    bool m_isDark = true;
 };
 
 }  // namespace corvellan

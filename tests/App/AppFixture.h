@@ -184,7 +184,9 @@ private:
                         .systemSettings = desktop.settings,
                         .alerts = desktop.alerts,
                         .activation = windowActivation(),
-                        .captureHiding = captureHiding},
+                        .captureHiding = captureHiding,
+                        .browser = desktop.browser,
+                        .appearance = desktop.appearance},
             .handoffWindow = handoffWindow,
             .updateFeed = updateFeed,
             .makeUpdater =
@@ -203,6 +205,8 @@ private:
                 co_return OpenedStore{.store = std::move(made)};
             },
             .runningVersion = runningVersion,
+            .runningBuild = QStringLiteral("45"),
+            .extensionUrl = QStringLiteral("https://store.test/corvellan-sensor"),
             .launchedAt = clock.now(),
             .terminate = [this] { ++terminations; },
         };

@@ -10,6 +10,7 @@
 #include "Base/AsyncStream.h"
 #include "CallLog.h"
 #include "Platform/Alerts.h"
+#include "Platform/DesktopAppearance.h"
 #include "Platform/GlobalKeys.h"
 #include "Platform/LoginItems.h"
 #include "Platform/Notifications.h"
@@ -334,6 +335,21 @@ private:
     CallLog& m_log;
 };
 
+class FakeDesktopAppearance final : public DesktopAppearance {
+public:
+    [[nodiscard]] ColorScheme colorScheme() const override { return m_scheme; }
+
+    /// The user picks another look.
+    void setColorScheme(ColorScheme scheme) {
+        m_scheme = scheme;
+        if (onChanged)
+            onChanged();
+    }
+
+private:
+    ColorScheme m_scheme = ColorScheme::noPreference;
+};
+
 /// All of it at once, with one log.
 struct FakeDesktop {
     CallLog log;
@@ -346,6 +362,7 @@ struct FakeDesktop {
     FakeAlertPresenter alerts{log};
     FakeWebBrowser browser{log};
     FakeWindowActivation activation{log};
+    FakeDesktopAppearance appearance;
 };
 
 }  // namespace corvellan::test

@@ -21,7 +21,11 @@ struct ScreenDriver::World {
     FakeHandoffWindow handoffWindow;
     CoachingOverlayView overlay{fixture.session(), handoffWindow};
     IdleView idle{fixture.session()};
-    MainView main{fixture.session()};
+    SettingsFixture desktop{fixture.preferences};
+    SettingsView settings{fixture.session(), fixture.preferences, desktop.parts()};
+    Theme theme;
+    Theme callTheme;
+    MainView main{fixture.session(), theme};
     FakeDesktopHiding hiding;
     StealthView stealth{fixture.session(), hiding};
 };
@@ -44,6 +48,18 @@ QObject* ScreenDriver::main() {
 
 QObject* ScreenDriver::stealth() {
     return &m_world->stealth;
+}
+
+QObject* ScreenDriver::settings() {
+    return &m_world->settings;
+}
+
+QObject* ScreenDriver::theme() {
+    return &m_world->theme;
+}
+
+QObject* ScreenDriver::callTheme() {
+    return &m_world->callTheme;
 }
 
 SessionViewModel& ScreenDriver::session() {

@@ -6,9 +6,11 @@
 
 #include "FakeHandoffWindow.h"
 #include "Support/SessionFixture.h"
+#include "Support/SettingsFixture.h"
 #include "Views/CoachingOverlayView.h"
 #include "Views/IdleView.h"
 #include "Views/MainView.h"
+#include "Views/SettingsView.h"
 #include "Views/StealthView.h"
 #include "Views/Theme.h"
 
@@ -21,7 +23,9 @@ class ScreenDriver : public QObject {
     Q_PROPERTY(QObject* idle READ idle NOTIFY madeAnew)
     Q_PROPERTY(QObject* main READ main NOTIFY madeAnew)
     Q_PROPERTY(QObject* stealth READ stealth NOTIFY madeAnew)
-    Q_PROPERTY(QObject* theme READ theme CONSTANT)
+    Q_PROPERTY(QObject* settings READ settings NOTIFY madeAnew)
+    Q_PROPERTY(QObject* theme READ theme NOTIFY madeAnew)
+    Q_PROPERTY(QObject* callTheme READ callTheme NOTIFY madeAnew)
 
 public:
     ScreenDriver();
@@ -31,7 +35,9 @@ public:
     [[nodiscard]] QObject* idle();
     [[nodiscard]] QObject* main();
     [[nodiscard]] QObject* stealth();
-    [[nodiscard]] QObject* theme() { return &m_theme; }
+    [[nodiscard]] QObject* settings();
+    [[nodiscard]] QObject* theme();
+    [[nodiscard]] QObject* callTheme();
 
     /// Forgets everything; call before the screens of a test are made.
     Q_INVOKABLE void reset();
@@ -76,7 +82,6 @@ private:
     struct World;
     SessionViewModel& session();
 
-    Theme m_theme;
     std::unique_ptr<World> m_world;
 };
 

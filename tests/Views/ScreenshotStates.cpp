@@ -238,8 +238,65 @@ States idleStates() {
     focused.name = u"idle-focus"_s;
     focused.tabs = 1;
     states.push_back(focused);
+    auto light = states[1];
+    light.name = u"idle-light"_s;
+    light.isLight = true;
+    auto lightError = states[2];
+    lightError.name = u"idle-error-light"_s;
+    lightError.isLight = true;
+    states.insert(states.end(), {light, lightError});
     for (ScreenshotState& state : states)
         state.isCall = false;
+    return states;
+}
+
+States settingsStates() {
+    const ScreenshotState plain{
+        .name = u"settings"_s, .prepare = [](SessionViewModel&) {}, .isCall = false, .isSettings = true};
+    ScreenshotState rich = plain;
+    rich.prepare = [](SessionViewModel& session) {
+        session.setIsConnected(true);
+        session.setStatusText(u"Listening..."_s);
+        session.setUserEmail(u"sandra.weiss-oberhauser@nordwind-logistics.example"_s);
+        session.setSensorConnected(true);
+        session.setExtensionContext(ExtensionContextPayload{.entityType = u"contact"_s,
+                                                            .entityId = u"7"_s,
+                                                            .displayName = u"Sandra Weiss"_s,
+                                                            .companyName = u"Nordwind Logistics GmbH"_s});
+        session.setExtensionCallActive(true);
+    };
+    rich.prepareSettings = [](SettingsFixture& settings, Preferences& preferences) {
+        preferences.setString(u"serverMode"_s, u"custom"_s);
+        preferences.setString(u"customServerURL"_s, u"wss://coach.nordwind-logistics.example/ws"_s);
+        settings.desktop.permissions.contentFailure = Error{TransportError{u"refused"_s}};
+        settings.desktop.notifications.granted = NotificationAuthorization::denied;
+        settings.desktop.loginItems.isRegistered = true;
+    };
+    States states;
+    for (const bool isLight : {false, true})
+        for (int page = 0; page < 4; ++page) {
+            for (const bool isRich : {false, true}) {
+                ScreenshotState state = isRich ? rich : plain;
+                state.isLight = isLight;
+                state.pages = page;
+                state.name = u"settings-%1-%2-%3"_s.arg(isRich ? u"rich"_s : u"plain"_s,
+                                                        isLight ? u"light"_s : u"dark"_s, QString::number(page));
+                states.push_back(state);
+            }
+        }
+    for (int page = 0; page < 6; ++page) {
+        ScreenshotState smallest = rich;
+        smallest.name = u"settings-smallest-%1"_s.arg(page);
+        smallest.size = QSize{520, 400};
+        smallest.pages = page;
+        states.push_back(smallest);
+    }
+    for (const int tabs : {1, 2, 3, 4, 6, 9}) {
+        ScreenshotState focused = plain;
+        focused.name = u"settings-focus-%1"_s.arg(tabs);
+        focused.tabs = tabs;
+        states.push_back(focused);
+    }
     return states;
 }
 
@@ -247,7 +304,8 @@ States idleStates() {
 
 std::vector<ScreenshotState> screenshotStates() {
     States all;
-    for (const States& some : {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(), idleStates()})
+    for (const States& some :
+         {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(), idleStates(), settingsStates()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <optional>
+#include <QSize>
 #include <QString>
 #include <vector>
 
+#include "Support/SettingsFixture.h"
 #include "ViewModels/SessionViewModel.h"
 
 namespace corvellan::test {
@@ -21,6 +23,14 @@ struct ScreenshotState {
     bool unfoldsBrief = false;
     /// How often the Tab key is pressed.
     int tabs = 0;
+    /// Instead of a call, the settings: how things stand there.
+    bool isSettings = false;
+    std::function<void(SettingsFixture&, Preferences&)> prepareSettings = {};
+    bool isLight = false;
+    /// Absent leaves the size of the face.
+    std::optional<QSize> size = std::nullopt;
+    /// How far the form is scrolled, in pages.
+    int pages = 0;
 };
 
 /// Every state that a user may get to see.

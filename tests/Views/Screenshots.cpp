@@ -12,6 +12,7 @@
 #include "FakeHandoffWindow.h"
 #include "ScreenshotStates.h"
 #include "Support/SessionFixture.h"
+#include "Support/SettingsFixture.h"
 #include "Views/CoachingOverlayView.h"
 #include "Views/QuickSetup.h"
 
@@ -49,7 +50,12 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     session.setServerURL(u"wss://coach.corvellan.example/ws"_s);
     NoCaptureHiding captureHiding;
     FakeHandoffWindow handoffWindow;
-    StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow}};
+    SettingsFixture settings{fixture.preferences};
+    settings.desktop.appearance.setColorScheme(state.isLight ? ColorScheme::light : ColorScheme::dark);
+    if (state.prepareSettings)
+        state.prepareSettings(settings, fixture.preferences);
+    StealthPanel panel{
+        {session, fixture.preferences, captureHiding, handoffWindow, settings.desktop.appearance, settings.parts()}};
     session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
     session.onStealthChanged = [&](bool isEnabled) { panel.setStealth(isEnabled); };
     session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };
@@ -67,11 +73,21 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     state.prepare(session);
     if (state.unfoldsBrief)
         panel.overlay().pressCompanyRow();
-    for (int i = 0; i < state.tabs; ++i)
-        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent key{type, Qt::Key_Tab, Qt::NoModifier};
-            QCoreApplication::sendEvent(&panel, &key);
-        }
+    if (state.isSettings)
+        session.setRequestedTab(u"settings"_s);
+    if (state.size)
+        panel.resize(*state.size);
+    const auto press = [&panel](Qt::Key key, int times) {
+        for (int i = 0; i < times; ++i)
+            for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                QKeyEvent event{type, key, Qt::NoModifier};
+                QCoreApplication::sendEvent(&panel, &event);
+            }
+    };
+    press(Qt::Key_Tab, state.tabs);
+    // The form takes its new size first.
+    spin(100ms);
+    press(Qt::Key_PageDown, state.pages);
     // Longer than every animation.
     spin(600ms);
     const QImage picture = panel.grabWindow();

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <QDir>
 #include <QFile>
 #include <QFontDatabase>
 #include <QRawFont>
 #include <QRegularExpression>
+#include <QSignalSpy>
 
 namespace corvellan {
 
@@ -36,6 +39,60 @@ TEST(ThemeTest, colorsGivenAsTriplesAreExact) {
         EXPECT_NEAR(color.greenF(), row.green, 0.0001);
         EXPECT_NEAR(color.blueF(), row.blue, 0.0001);
     }
+}
+
+/// The ratio of two colours' luminances, from 1 to 21, as the web's accessibility rules count it.
+double contrast(const QColor& one, const QColor& other) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](float part) {
+            return part <= 0.04045F ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    };
+    const double a = luminance(one);
+    const double b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+QColor namedColor(const Theme& theme, const QString& name) {
+    return theme.named().value(name).value<QColor>();
+}
+
+TEST(ThemeTest, everyTextOfAFormCanBeReadInBothSchemes) {
+    Theme theme;
+    for (const bool isDark : {true, false}) {
+        theme.setIsDark(isDark);
+        for (const QColor& ground : {theme.windowBackground(), theme.cardBackground(), theme.popupBackground()})
+            for (const QColor& text :
+                 {theme.foreground(), theme.secondary(), theme.accent(), theme.errorText(),
+                  namedColor(theme, u"green"_s), namedColor(theme, u"orange"_s), namedColor(theme, u"red"_s)})
+                EXPECT_GE(contrast(text, ground), 4.5) << qPrintable(text.name() + u" on "_s + ground.name());
+        EXPECT_GE(contrast(theme.foreground(), theme.controlBackground()), 4.5);
+        EXPECT_GE(contrast(theme.prominentText(), theme.green()), 4.5);
+        // What tells a control's extent or state needs less.
+        for (const QColor& mark : {theme.controlBorder(), theme.gray(), theme.focusRing()})
+            EXPECT_GE(contrast(mark, theme.cardBackground()), 3.0) << qPrintable(mark.name());
+        EXPECT_GE(contrast(theme.white(), theme.accent()), 2.5);
+    }
+}
+
+TEST(ThemeTest, namedColorsFollowTheScheme) {
+    Theme theme;
+    QSignalSpy changes{&theme, &Theme::schemeChanged};
+    for (const QString& name : {u"green"_s, u"gray"_s, u"orange"_s, u"red"_s, QString{}}) {
+        theme.setIsDark(true);
+        const QColor dark = namedColor(theme, name);
+        theme.setIsDark(false);
+        EXPECT_TRUE(dark.isValid()) << qPrintable(name);
+        EXPECT_GT(dark.lightness(), namedColor(theme, name).lightness()) << qPrintable(name);
+    }
+    EXPECT_EQ(changes.count(), 9) << "told on real changes only";
+}
+
+TEST(ThemeTest, twoThemesShareOneIconFont) {
+    const Theme one;
+    const Theme other;
+    EXPECT_EQ(one.iconFamily(), other.iconFamily());
 }
 
 TEST(ThemeTest, anUnknownSymbolShowsTheFallback) {

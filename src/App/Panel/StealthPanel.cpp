@@ -9,10 +9,12 @@
 
 #include "Base/Preferences.h"
 #include "PanelGeometry.h"
+#include "Platform/DesktopAppearance.h"
 #include "Views/CoachingOverlayView.h"
 #include "Views/IdleView.h"
 #include "Views/MainView.h"
 #include "Views/QuickSetup.h"
+#include "Views/SettingsView.h"
 #include "Views/StealthView.h"
 #include "Views/Theme.h"
 
@@ -38,23 +40,27 @@ constexpr auto settlingTime = 1s;
 /// Declared before use by the scene, so that it outlives it.
 struct StealthPanel::Content {
     Content(StealthPanel& panel, const Parts& parts)
-        : main(parts.session),
+        : main(parts.session, theme),
           overlay(parts.session, parts.handoffWindowController),
           idle(parts.session),
+          settings(parts.session, parts.preferences, parts.settings),
           stealth(parts.session, parts.captureHiding, parts.selfTest,
                   [&panel](std::function<void()> painted) { return panel.afterNextFrame(std::move(painted)); }) {}
 
     Theme theme;
+    Theme callTheme;
     MainView main;
     CoachingOverlayView overlay;
     IdleView idle;
+    SettingsView settings;
     StealthView stealth;
 };
 
 StealthPanel::StealthPanel(const Parts& parts)
     : m_content(std::make_unique<Content>(*this, parts)),
       m_preferences(parts.preferences),
-      m_captureHiding(parts.captureHiding) {
+      m_captureHiding(parts.captureHiding),
+      m_appearance(parts.appearance) {
     m_settling.setSingleShot(true);
     m_settling.setInterval(settlingTime);
     connect(&m_settling, &QTimer::timeout, this, [this] { m_asked.reset(); });
@@ -66,25 +72,34 @@ StealthPanel::StealthPanel(const Parts& parts)
     setMaximumSize(panel::idleMaximumSize);
     setGeometry(QRect{firstOrigin, panel::idleSize});
 
+    m_appearance.onChanged = [this] { followAppearance(); };
+    followAppearance();
     setResizeMode(QQuickView::SizeRootObjectToView);
     engine()->addImportPath(QString::fromLatin1(qmlImportPath));
     setInitialProperties({
         {u"main"_s, QVariant::fromValue(&m_content->main)},
         {u"overlay"_s, QVariant::fromValue(&m_content->overlay)},
         {u"idle"_s, QVariant::fromValue(&m_content->idle)},
+        {u"settings"_s, QVariant::fromValue(&m_content->settings)},
         {u"stealth"_s, QVariant::fromValue(&m_content->stealth)},
         {u"theme"_s, QVariant::fromValue(&m_content->theme)},
+        {u"callTheme"_s, QVariant::fromValue(&m_content->callTheme)},
     });
     setSource(QUrl{u"qrc:/qt/qml/Corvellan/Views/Main.qml"_s});
 }
 
 StealthPanel::~StealthPanel() {
+    m_appearance.onChanged = {};
     // The scene goes before what it shows: its bindings read the view states to the end.
     setSource(QUrl{});
 }
 
 CoachingOverlayView& StealthPanel::overlay() {
     return m_content->overlay;
+}
+
+SettingsView& StealthPanel::settings() {
+    return m_content->settings;
 }
 
 StealthView& StealthPanel::stealth() {
@@ -211,6 +226,10 @@ void StealthPanel::applyStealth(bool isHidden) {
 void StealthPanel::applyStealthAnew() {
     if (m_isHiddenFromCapture)
         m_captureHiding.setHidden(*this, true);
+}
+
+void StealthPanel::followAppearance() {
+    m_content->theme.setIsDark(m_appearance.colorScheme() != ColorScheme::light);
 }
 
 void StealthPanel::place(QSize size, Sizing sizing, QRect present) {

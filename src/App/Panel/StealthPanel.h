@@ -11,12 +11,14 @@
 
 #include "Platform/CaptureHiding.h"
 #include "Shell/Stealth/CaptureSelfTest.h"
+#include "Views/SettingsView.h"
 
 class QKeyEvent;
 
 namespace corvellan {
 
 class CoachingOverlayView;
+class DesktopAppearance;
 class HandoffWindowController;
 class Preferences;
 class SessionViewModel;
@@ -35,9 +37,11 @@ public:
     /// What it is made of; all of it outlives the panel.
     struct Parts {
         SessionViewModel& session;
-        const Preferences& preferences;
+        Preferences& preferences;
         CaptureHiding& captureHiding;
         HandoffWindowController& handoffWindowController;
+        DesktopAppearance& appearance;
+        SettingsParts settings;
         /// Absent where nothing can picture the screen: then the window can't be looked for in captures.
         std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
     };
@@ -57,6 +61,8 @@ public:
 
     /// The view state of the call face.
     [[nodiscard]] CoachingOverlayView& overlay();
+    /// The view state of the settings; whoever watches the global keys tells it how that goes.
+    [[nodiscard]] SettingsView& settings();
     /// The view state of the stealth control, which tells of `captureVisibility`; for settings too.
     [[nodiscard]] StealthView& stealth();
 
@@ -96,6 +102,8 @@ private:
     /// begin the next.
     bool keyEvent(QKeyEvent& event);
     void applyStealth(bool isHidden);
+    /// Between calls the window is light where the desktop asks for that.
+    void followAppearance();
     /// The desktop may take a window that was hidden and shown for a new one.
     void applyStealthAnew();
     /// The window with what the window manager puts round it, as it was asked for last. What the platform
@@ -117,6 +125,7 @@ private:
     std::unique_ptr<Content> m_content;
     const Preferences& m_preferences;
     CaptureHiding& m_captureHiding;
+    DesktopAppearance& m_appearance;
     Face m_face = Face::idle;
     /// The idle face's title bar and borders, as far as they are known.
     QMargins m_idleMargins;

@@ -6,5 +6,5 @@ Rectangle {
     required property Theme theme
 
     implicitHeight: 1
-    color: Qt.alpha(theme.white, 0.1)
+    color: theme.hairline
 }

@@ -13,7 +13,7 @@ Text {
     font.family: root.theme.iconFamily
     // The font's glyphs keep a margin inside their square; letters of the same size don't.
     font.pixelSize: Math.round(root.size * 1.3)
-    color: root.theme.white
+    color: root.theme.foreground
     textFormat: Text.PlainText
     verticalAlignment: Text.AlignVCenter
 

@@ -6,10 +6,16 @@ import Corvellan.Views
 FocusScope {
     id: root
 
+    required property MainView main
     required property IdleView idle
     required property Theme theme
 
     focus: true
+
+    Shortcut {
+        sequence: "Ctrl+,"
+        onActivated: root.main.showSettings()
+    }
 
     ColumnLayout {
         anchors.centerIn: parent
@@ -48,7 +54,7 @@ FocusScope {
             theme: root.theme
             text: root.idle.statusText
             size: 14
-            color: Qt.alpha(root.theme.white, 0.6)
+            color: root.theme.secondary
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
         }
@@ -92,7 +98,7 @@ FocusScope {
                     text: root.idle.errorMessage
                     size: 13
                     lineHeight: 1.15
-                    color: "#ff9d96"
+                    color: root.theme.errorText
                     wrapMode: Text.Wrap
                     Accessible.role: Accessible.AlertMessage
                 }
@@ -122,7 +128,7 @@ FocusScope {
             visible: text.length > 0
             text: root.idle.lastCallText
             size: 13
-            color: Qt.alpha(root.theme.white, 0.6)
+            color: root.theme.secondary
         }
     }
 
@@ -137,7 +143,7 @@ FocusScope {
             theme: root.theme
             symbol: "server.rack"
             size: 11
-            color: Qt.alpha(root.theme.white, 0.4)
+            color: root.theme.secondary
         }
         ReadOut {
             Layout.fillWidth: true
@@ -145,8 +151,20 @@ FocusScope {
             theme: root.theme
             text: root.idle.serverText
             size: 12
-            color: Qt.alpha(root.theme.white, 0.45)
+            color: root.theme.secondary
             elide: Text.ElideMiddle
         }
+    }
+
+    IconButton {
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.margins: 12
+        objectName: "openSettings"
+        theme: root.theme
+        symbol: "gearshape"
+        text: qsTr("Settings")
+        tip: qsTr("Settings (Ctrl+,)")
+        onClicked: root.main.showSettings()
     }
 }

@@ -8,8 +8,11 @@ Item {
     required property MainView main
     required property CoachingOverlayView overlay
     required property IdleView idle
+    required property SettingsView settings
     required property StealthView stealth
     required property Theme theme
+    /// That of the call's panel, which is dark whatever the desktop is.
+    required property Theme callTheme
 
     Rectangle {
         anchors.fill: parent
@@ -39,10 +42,12 @@ Item {
     }
 
     function showFace() {
-        if (main.isSessionActive)
-            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: theme, stealth: stealth });
+        if (main.face === "call")
+            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: callTheme, stealth: stealth });
+        else if (main.face === "settings")
+            face.setSource("SettingsScreen.qml", { main: main, settings: settings, stealth: stealth, theme: theme });
         else
-            face.setSource("IdleScreen.qml", { idle: idle, theme: theme });
+            face.setSource("IdleScreen.qml", { main: main, idle: idle, theme: theme });
     }
 
     Component.onCompleted: showFace()
@@ -50,7 +55,7 @@ Item {
     Connections {
         target: root.main
 
-        function onIsSessionActiveChanged() {
+        function onFaceChanged() {
             root.showFace();
         }
     }

@@ -6,7 +6,7 @@ PressButton {
     id: root
 
     required property Theme theme
-    property color color: theme.white
+    property color color: theme.foreground
     property real size: 11
 
     implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, theme.hitTarget)
@@ -26,7 +26,7 @@ PressButton {
 
     background: Rectangle {
         radius: 5
-        color: Qt.alpha(root.theme.white, root.down ? 0.14 : root.hovered && root.enabled ? 0.08 : 0)
+        color: Qt.alpha(root.theme.foreground, root.down ? 0.14 : root.hovered && root.enabled ? 0.08 : 0)
         border.width: root.visualFocus ? 2 : 0
         border.color: root.theme.focusRing
     }

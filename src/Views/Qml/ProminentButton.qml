@@ -23,14 +23,14 @@ PressButton {
             theme: root.theme
             symbol: root.symbol
             size: 16
-            color: root.theme.black
+            color: root.theme.prominentText
         }
         ReadOut {
             theme: root.theme
             text: root.text
             size: 15
             font.weight: Font.DemiBold
-            color: root.theme.black
+            color: root.theme.prominentText
             Accessible.ignored: true
         }
     }

@@ -12,7 +12,7 @@ Text {
 
     font.family: root.isMonospaced ? root.theme.monospacedFamily : root.theme.textFamily
     font.pixelSize: Math.round(root.size)
-    color: root.theme.white
+    color: root.theme.foreground
     textFormat: Text.PlainText
 
     Accessible.role: Accessible.StaticText

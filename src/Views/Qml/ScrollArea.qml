@@ -11,12 +11,15 @@ Item {
     default property alias content: holder.data
     /// What is cut off at the bottom fades into a dark ground.
     property bool hasFade: false
+    /// Whatever gets the keyboard is brought into view, with this much round it; negative for no such service.
+    property real focusMargin: -1
+    readonly property bool followsFocus: focusMargin >= 0
     /// The height of everything in it.
     readonly property real contentHeight: holder.childrenRect.height
     readonly property bool isOverflowing: contentHeight > height + 0.5
 
     implicitHeight: contentHeight
-    activeFocusOnTab: isOverflowing
+    activeFocusOnTab: isOverflowing && !followsFocus
 
     Accessible.role: Accessible.Pane
     Accessible.ignored: !isOverflowing
@@ -27,17 +30,37 @@ Item {
 
     /// Scrolls just so far that all of `item` is in view.
     function reveal(item: Item) {
-        const top = item.mapToItem(holder, 0, 0).y;
+        const margin = Math.max(0, focusMargin);
+        const top = item.mapToItem(holder, 0, 0).y - margin;
+        const bottom = top + item.height + 2 * margin;
         if (top < flickable.contentY)
             scrollBy(top - flickable.contentY);
-        else if (top + item.height > flickable.contentY + height)
-            scrollBy(top + item.height - flickable.contentY - height);
+        else if (bottom > flickable.contentY + height)
+            scrollBy(bottom - flickable.contentY - height);
+    }
+
+    function holds(item: Item): bool {
+        for (let above = item; above; above = above.parent)
+            if (above === holder)
+                return true;
+        return false;
+    }
+
+    Connections {
+        target: root.followsFocus ? root.Window.window : null
+
+        function onActiveFocusItemChanged() {
+            const item = root.Window.activeFocusItem;
+            if (root.holds(item))
+                root.reveal(item);
+        }
     }
 
     Keys.onUpPressed: scrollBy(-24)
     Keys.onDownPressed: scrollBy(24)
     Keys.onPressed: event => {
-        const step = event.key === Qt.Key_PageDown ? height : event.key === Qt.Key_PageUp ? -height : 0;
+        const step = event.key === Qt.Key_PageDown ? height : event.key === Qt.Key_PageUp ? -height
+                   : event.key === Qt.Key_End ? contentHeight : event.key === Qt.Key_Home ? -contentHeight : 0;
         if (step === 0)
             return;
         scrollBy(step);
@@ -75,7 +98,7 @@ Item {
 
             contentItem: Rectangle {
                 radius: 2
-                color: Qt.alpha(root.theme.white, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
+                color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
             }
         }
     }

@@ -29,8 +29,8 @@ T.ToolTip {
     }
 
     background: Rectangle {
-        color: "#2c2c30"
-        border.color: Qt.alpha(root.theme.white, 0.15)
+        color: root.theme.popupBackground
+        border.color: Qt.alpha(root.theme.foreground, 0.15)
         radius: 5
     }
 }

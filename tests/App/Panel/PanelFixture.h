@@ -6,6 +6,7 @@
 
 #include "App/Panel/StealthPanel.h"
 #include "Support/SessionFixture.h"
+#include "Support/SettingsFixture.h"
 #include "Views/HandoffWindowController.h"
 
 namespace corvellan::test {
@@ -45,7 +46,9 @@ protected:
     SessionFixture fixture;
     FakeCaptureHiding captureHiding;
     IgnoredHandoffWindow handoffWindow;
-    StealthPanel panel{{fixture.session(), fixture.preferences, captureHiding, handoffWindow}};
+    SettingsFixture settings{fixture.preferences};
+    StealthPanel panel{{fixture.session(), fixture.preferences, captureHiding, handoffWindow,
+                        settings.desktop.appearance, settings.parts()}};
 };
 
 }  // namespace corvellan::test

@@ -156,7 +156,8 @@ TEST_F(StealthPanelTest, aHiddenWindowIsHiddenAnewWhenItIsShownAgain) {
 
 TEST_F(StealthPanelTest, aDesktopThatCantHideWindowsIsNamedSo) {
     NoCaptureHiding nothing;
-    StealthPanel other{{fixture.session(), fixture.preferences, nothing, handoffWindow}};
+    StealthPanel other{{fixture.session(), fixture.preferences, nothing, handoffWindow, settings.desktop.appearance,
+                        settings.parts()}};
     other.setStealth(true);
     EXPECT_TRUE(other.isStealthEnabled());
     EXPECT_EQ(other.captureVisibility(), CaptureVisibility::unsupported);

@@ -20,8 +20,10 @@ TestCase {
             main: driver.main
             overlay: driver.overlay
             idle: driver.idle
+            settings: driver.settings
             stealth: driver.stealth
             theme: driver.theme
+            callTheme: driver.callTheme
         }
     }
 

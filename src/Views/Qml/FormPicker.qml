@@ -1,0 +1,132 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// One of a few choices, in a list that opens. It shows `selected` and nothing else.
+T.ComboBox {
+    id: root
+
+    required property Theme theme
+    /// What is picked, for screen readers.
+    required property string label
+    property int selected: -1
+
+    signal chosen(index: int)
+
+    // Room for the longest choice, so that the list never cuts one off.
+    implicitWidth: 190
+    implicitHeight: 30
+    leftPadding: 11
+    rightPadding: 30
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    currentIndex: selected
+
+    onActivated: (index) => {
+        root.chosen(index);
+        // Choosing has set it by itself.
+        root.currentIndex = Qt.binding(() => root.selected);
+    }
+
+    Keys.onReturnPressed: (event) => root.popup.visible ? event.accepted = false : root.popup.open()
+    Keys.onEnterPressed: (event) => root.popup.visible ? event.accepted = false : root.popup.open()
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.name: qsTr("%1: %2").arg(root.label).arg(root.displayText)
+    Accessible.onPressAction: root.popup.open()
+
+    HoverHandler {
+        cursorShape: Qt.PointingHandCursor
+    }
+
+    contentItem: ReadOut {
+        theme: root.theme
+        text: root.displayText
+        size: 13
+        verticalAlignment: Text.AlignVCenter
+        elide: Text.ElideRight
+        Accessible.ignored: true
+    }
+
+    indicator: IconLabel {
+        x: root.width - width - 8
+        height: root.height
+        theme: root.theme
+        symbol: "chevron.up.chevron.down"
+        size: 12
+        color: root.theme.secondary
+    }
+
+    background: Rectangle {
+        radius: 6
+        color: Qt.tint(root.theme.controlBackground,
+                       Qt.alpha(root.theme.foreground, root.down ? 0.16 : root.hovered ? 0.07 : 0))
+        border.width: root.visualFocus ? 2 : 1
+        border.color: root.visualFocus ? root.theme.focusRing : root.theme.controlBorder
+    }
+
+    delegate: T.ItemDelegate {
+        id: choice
+
+        required property int index
+        required property string modelData
+
+        width: ListView.view ? ListView.view.width : 0
+        implicitHeight: 30
+        leftPadding: 28
+        rightPadding: 10
+        highlighted: root.highlightedIndex === index
+        hoverEnabled: true
+        text: modelData
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: text
+        Accessible.onPressAction: choice.clicked()
+
+        contentItem: ReadOut {
+            theme: root.theme
+            text: choice.text
+            size: 13
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+
+        background: Rectangle {
+            radius: 5
+            color: Qt.alpha(root.theme.accent, choice.highlighted ? 0.25 : 0)
+        }
+
+        IconLabel {
+            x: 8
+            height: choice.height
+            theme: root.theme
+            visible: choice.index === root.selected
+            symbol: "checkmark"
+            size: 12
+        }
+    }
+
+    popup: T.Popup {
+        y: root.height + 4
+        width: root.width
+        height: Math.min(implicitContentHeight + topPadding + bottomPadding, 240)
+        margins: 8
+        padding: 5
+
+        contentItem: ListView {
+            clip: true
+            implicitHeight: contentHeight
+            model: root.popup.visible ? root.delegateModel : null
+            currentIndex: root.highlightedIndex
+        }
+
+        background: Rectangle {
+            radius: 8
+            color: root.theme.popupBackground
+            border.color: root.theme.controlBorder
+        }
+    }
+}

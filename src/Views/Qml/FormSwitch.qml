@@ -1,0 +1,101 @@
+import QtQuick
+import QtQuick.Layouts
+import Corvellan.Views
+
+/// A row that is a switch, pressed anywhere. It shows `isOn` and nothing else: who refuses a change leaves
+/// that as it is.
+PressButton {
+    id: root
+
+    required property Theme theme
+    property string caption: ""
+    property bool isOn: false
+
+    signal changed(isOn: bool)
+
+    Layout.fillWidth: true
+    implicitHeight: Math.max(44, implicitContentHeight + 20)
+    leftPadding: 14
+    rightPadding: 14
+    checkable: true
+    checked: isOn
+    opacity: enabled ? 1 : 0.5
+
+    onClicked: {
+        root.changed(!root.isOn);
+        // A press has set it by itself.
+        root.checked = Qt.binding(() => root.isOn);
+    }
+
+    Accessible.role: Accessible.CheckBox
+    Accessible.description: root.caption
+    Accessible.onToggleAction: root.clicked()
+
+    contentItem: RowLayout {
+        spacing: 14
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 2
+
+            ReadOut {
+                Layout.fillWidth: true
+                theme: root.theme
+                text: root.text
+                size: 13
+                wrapMode: Text.Wrap
+                Accessible.ignored: true
+            }
+            ReadOut {
+                Layout.fillWidth: true
+                theme: root.theme
+                visible: text.length > 0
+                text: root.caption
+                size: 11
+                lineHeight: 1.1
+                color: root.theme.secondary
+                wrapMode: Text.Wrap
+                Accessible.ignored: true
+            }
+        }
+        Rectangle {
+            implicitWidth: 38
+            implicitHeight: 22
+            radius: 11
+            color: root.isOn ? root.theme.accent : root.theme.controlBackground
+            border.width: root.isOn ? 0 : 1
+            border.color: root.theme.controlBorder
+
+            Rectangle {
+                x: root.isOn ? parent.width - width - 3 : 3
+                y: 3
+                width: 16
+                height: 16
+                radius: 8
+                color: root.isOn ? root.theme.white : root.theme.controlBorder
+
+                Behavior on x {
+                    NumberAnimation {
+                        duration: 120
+                        easing.type: Easing.InOutQuad
+                    }
+                }
+            }
+        }
+    }
+
+    background: Rectangle {
+        radius: 10
+        color: Qt.alpha(root.theme.foreground, !root.enabled ? 0 : root.down ? 0.08 : root.hovered ? 0.04 : 0)
+        border.width: root.visualFocus ? 2 : 0
+        border.color: root.theme.focusRing
+
+        Divider {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.leftMargin: 14
+            theme: root.theme
+            visible: root.y > 0 && !root.visualFocus
+        }
+    }
+}

@@ -1,0 +1,64 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// One line of text that the user writes.
+T.TextField {
+    id: root
+
+    required property Theme theme
+    /// What it is for, for screen readers.
+    required property string label
+
+    Layout.fillWidth: true
+    implicitWidth: 340
+    implicitHeight: Math.max(30, contentHeight + topPadding + bottomPadding)
+    leftPadding: 9
+    rightPadding: 9
+    topPadding: 5
+    bottomPadding: 5
+    hoverEnabled: true
+    selectByMouse: true
+    font.family: theme.textFamily
+    font.pixelSize: 13
+    color: theme.foreground
+    selectionColor: theme.accent
+    selectedTextColor: theme.white
+    placeholderTextColor: theme.secondary
+    verticalAlignment: TextInput.AlignVCenter
+
+    Accessible.role: Accessible.EditableText
+    Accessible.name: root.label
+    Accessible.description: root.placeholderText
+
+    cursorDelegate: Rectangle {
+        width: 1
+        color: root.theme.foreground
+        visible: root.cursorVisible
+    }
+
+    ReadOut {
+        x: root.leftPadding
+        width: root.width - root.leftPadding - root.rightPadding
+        height: root.height
+        theme: root.theme
+        visible: root.text.length === 0 && root.preeditText.length === 0
+        text: root.placeholderText
+        size: 13
+        color: root.placeholderTextColor
+        verticalAlignment: Text.AlignVCenter
+        elide: Text.ElideRight
+        Accessible.ignored: true
+    }
+
+    background: Rectangle {
+        radius: 6
+        color: root.theme.controlBackground
+        border.width: root.activeFocus ? 2 : 1
+        border.color: root.activeFocus ? root.theme.focusRing
+                    : Qt.tint(root.theme.controlBorder, Qt.alpha(root.theme.foreground, root.hovered ? 0.35 : 0))
+    }
+}
