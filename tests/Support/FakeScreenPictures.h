@@ -22,7 +22,7 @@ public:
     void give(const QImage& picture) { m_pictures.push_back(picture); }
 
     /// A screen with something on it.
-    static QImage desktop(QSize size = {800, 600}) {
+    static QImage desktop(QSize size = {320, 240}) {
         QImage picture{size, QImage::Format_RGB32};
         for (int y = 0; y < size.height(); ++y)
             for (int x = 0; x < size.width(); ++x)

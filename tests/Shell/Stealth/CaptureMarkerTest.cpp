@@ -34,7 +34,7 @@ QImage withImageAt(QImage screen, const QImage& image, QPointF at) {
 class CaptureMarkerTest : public testing::Test {
 protected:
     const CaptureMarker marker = CaptureMarker::random();
-    const QImage screen = FakeScreenPictures::desktop({640, 400});
+    const QImage screen = FakeScreenPictures::desktop({480, 300});
 };
 
 TEST_F(CaptureMarkerTest, noTwoAreAlike) {
@@ -47,7 +47,7 @@ TEST_F(CaptureMarkerTest, fitsTheLowestLayoutOfThePanel) {
 
 TEST_F(CaptureMarkerTest, isFoundWhereverItStands) {
     const QImage image = painted(marker);
-    for (const QPoint at : {QPoint{0, 0}, QPoint{1, 1}, QPoint{333, 217}, QPoint{640 - 64, 400 - 32}})
+    for (const QPoint at : {QPoint{0, 0}, QPoint{1, 1}, QPoint{333, 217}, QPoint{480 - 64, 300 - 32}})
         EXPECT_TRUE(marker.isIn(withImageAt(screen, image, at))) << at.x() << ", " << at.y();
 }
 
@@ -56,7 +56,7 @@ TEST_F(CaptureMarkerTest, isFoundEnlargedAndReducedAndBlurred) {
         const QImage image = painted(marker);
         const QImage scaled = image.scaled(qRound(image.width() * scale), qRound(image.height() * scale),
                                            Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        for (const QPoint at : {QPoint{100, 80}, QPoint{37, 59}, QPoint{202, 141}})
+        for (const QPoint at : {QPoint{37, 59}, QPoint{202, 141}})
             EXPECT_TRUE(marker.isIn(withImageAt(screen, scaled, at))) << scale << " at " << at.x() << ", " << at.y();
     }
 }

@@ -60,7 +60,8 @@ protected:
         settleAfter(clock, CaptureSelfTest::screenDelay);
     }
     CaptureTestResult end() {
-        EXPECT_TRUE(spinUntil([&] { return !test->isRunning(); }));
+        // Looking for what is not there takes longest, and longer still where races are looked for.
+        EXPECT_TRUE(spinUntil([&] { return !test->isRunning(); }, std::chrono::seconds{60}));
         return test->result().value_or(CaptureTestResult{});
     }
 

@@ -55,6 +55,12 @@ protected:
         hiding->onChanged = [this] { changes.push_back(hiding->status().visibility); };
     }
 
+    ~AskedCaptureHidingTest() override {
+        // What is still asked ends with an answer.
+        hiding.reset();
+        desktop->answer(CaptureVisibility::failed);
+    }
+
     void setHidden(bool isHidden) {
         hiding->setHidden(window, isHidden);
         settle();
