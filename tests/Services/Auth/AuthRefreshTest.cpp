@@ -11,11 +11,10 @@ protected:
 
     struct Asking {
         std::optional<Token> result;
-        std::optional<QCoro::Task<void>> task;
     };
     std::shared_ptr<Asking> beginValidToken() {
         const auto asking = std::make_shared<Asking>();
-        asking->task = keep(service->validToken(server.baseUrl()), asking);
+        keep(service->validToken(server.baseUrl()), asking);
         return asking;
     }
     static std::string end(const std::shared_ptr<Asking>& asking) {

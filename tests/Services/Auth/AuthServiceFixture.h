@@ -118,11 +118,10 @@ protected:
     /// A sign-in under way.
     struct Attempt {
         std::optional<Login> result;
-        std::optional<QCoro::Task<void>> task;
     };
     std::shared_ptr<Attempt> beginLogin() {
         const auto attempt = std::make_shared<Attempt>();
-        attempt->task = keep(service->login(server.baseUrl()), attempt);
+        keep(service->login(server.baseUrl()), attempt);
         return attempt;
     }
     static std::string end(const std::shared_ptr<Attempt>& attempt) {

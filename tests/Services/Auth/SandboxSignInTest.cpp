@@ -27,7 +27,7 @@ protected:
 
     std::shared_ptr<Attempt> begin() {
         const auto attempt = std::make_shared<Attempt>();
-        attempt->task = keep(service->login(base()), attempt);
+        keep(service->login(base()), attempt);
         return attempt;
     }
     /// What a browser does: shows the page, sends its form, and goes where it is sent.
