@@ -27,7 +27,7 @@ protected:
     Outcome claimElsewhere(const QString& token, std::chrono::milliseconds patience = 20s) {
         std::optional<Outcome> outcome;
         std::atomic<bool> isDone = false;
-        std::thread elsewhere{[this, &outcome, &isDone, token, patience, connection = bus.connect()] {
+        std::thread elsewhere{[&outcome, &isDone, token, patience, connection = bus.connect()] {
             Diagnostics counters;
             ProgramObject other{counters};
             outcome = SingleInstance{connection, patience}.claim(other, token);
