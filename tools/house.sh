@@ -239,10 +239,10 @@ privateHome() {
     unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME
 }
 
-# privateDisplay [WIDTHxHEIGHT]
+# privateDisplay WIDTHxHEIGHT
 privateDisplay() {
     privateFolder
-    local cookie number size=${1:-1280x1024}
+    local cookie number size=$1
     cookie=$(od -An -N16 -tx1 /dev/urandom | tr -d ' \n')
     # The server takes every cookie of the file, whichever display it names.
     xauth -q -f "$housePrivate/xauthority" add :0 . "$cookie" 2>/dev/null

@@ -298,7 +298,8 @@ TEST_F(CoachConnectionTest, neverWritesATokenToItsLog) {
 
 TEST_F(CoachConnectionTest, tellsWhyAPortCannotBeHad) {
     start();
-    const auto second = sandbox::Sandbox::start({.coachPort = box->coachPort(), .providerPort = 0}, clock, log);
+    const auto second =
+        sandbox::Sandbox::start({.coachPort = box->coachPort(), .chatPort = 0, .providerPort = 0}, clock, log);
     ASSERT_FALSE(second);
     EXPECT_TRUE(second.error().errorDescription().startsWith(u"Cannot listen on 127.0.0.1:%1"_s.arg(box->coachPort())));
 }

@@ -37,7 +37,7 @@ else
     say "Private display, sound server and home"
 fi
 privateHome
-[[ $headless == no ]] || privateDisplay
+[[ $headless == no ]] || privateDisplay 1280x1024
 [[ $headless == no ]] || passed+=(--own-display)
 privateBus
 privateAccessibility
