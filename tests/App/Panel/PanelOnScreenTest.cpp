@@ -156,6 +156,7 @@ class PanelSelfTestOnScreen : public testing::Test {
 protected:
     StealthPanel& show(ScreenPictures& pictures) {
         panel.emplace(StealthPanel::Parts{fixture.session(), fixture.preferences, *captureHiding, handoffWindow,
+                                          settings.desktop.appearance, settings.parts(),
                                           CaptureSelfTest::Means{pictures, clock, worker.executor()}});
         panel->makeKeyAndOrderFront();
         EXPECT_TRUE(spinUntil([&] { return panel->isExposed(); }));
@@ -174,6 +175,7 @@ protected:
     DesktopSession session = DesktopSession::current();
     std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session);
     std::unique_ptr<ScreenPictures> pictures = makeScreenPictures(worker.executor(), clock, session);
+    SettingsFixture settings{fixture.preferences};
     IgnoredHandoffWindow handoffWindow;
     std::optional<StealthPanel> panel;
 };
