@@ -113,6 +113,12 @@ TEST_F(ShortcutsTest, spacePassesToTheFocusedControlWhenNoSpeechPlays) {
     EXPECT_EQ(count("ws.connect"), 1);
 }
 
+TEST_F(ShortcutsTest, theSettingsTellWhetherTheGlobalShortcutWorks) {
+    EXPECT_EQ(panel().settings().hotkeyNotice(), QString{}) << "it is watched, and there is nothing to say";
+    desktop.keys.setWatch(GlobalKeyWatch::unavailable, u"The desktop refused"_s);
+    EXPECT_EQ(panel().settings().hotkeyNotice(), u"The desktop refused"_s);
+}
+
 TEST_F(ShortcutsTest, theGlobalMonitorGoesAfterTheLocalOne) {
     delegate().applicationWillTerminate();
 

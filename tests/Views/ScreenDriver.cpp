@@ -1,7 +1,10 @@
 #include "ScreenDriver.h"
 
+#include <algorithm>
 #include <QAccessible>
+#include <QClipboard>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QKeyEvent>
 
 #include "FakeStealth.h"
@@ -16,7 +19,14 @@ std::string word(const QString& text) {
 
 }  // namespace
 
+class CountingUpdater final : public UpdaterProtocol {
+public:
+    void checkForUpdates() override { ++checks; }
+    int checks = 0;
+};
+
 struct ScreenDriver::World {
+    CountingUpdater updater;
     SessionFixture fixture;
     FakeHandoffWindow handoffWindow;
     CoachingOverlayView overlay{fixture.session(), handoffWindow};
@@ -151,6 +161,125 @@ void ScreenDriver::setStealth(bool isOn) {
 
 bool ScreenDriver::isStealthOn() {
     return session().isStealthEnabled();
+}
+
+void ScreenDriver::setUser(const QString& email) {
+    session().setUserEmail(email.isEmpty() ? std::nullopt : std::optional{email});
+}
+
+void ScreenDriver::setConnected(bool isConnected) {
+    session().setIsConnected(isConnected);
+}
+
+void ScreenDriver::setSensor(bool isConnected, const QString& contact, const QString& company, bool hasCall) {
+    const auto named = [](const QString& text) { return text.isEmpty() ? std::nullopt : std::optional{text}; };
+    session().setSensorConnected(isConnected);
+    session().setExtensionCallActive(hasCall);
+    if (contact.isEmpty() && company.isEmpty())
+        session().setExtensionContext(std::nullopt);
+    else
+        session().setExtensionContext(ExtensionContextPayload{.entityType = QStringLiteral("contact"),
+                                                              .entityId = QStringLiteral("7"),
+                                                              .displayName = named(contact),
+                                                              .companyName = named(company)});
+}
+
+void ScreenDriver::setKeyWatch(bool isWatching, const QString& explanation) {
+    m_world->settings.setGlobalKeyWatch(isWatching ? GlobalKeyWatch::watching : GlobalKeyWatch::unavailable,
+                                        explanation);
+}
+
+void ScreenDriver::setPermissions(const QString& microphone, bool canSeeScreen) {
+    auto& source = m_world->desktop.desktop.permissions;
+    source.microphone = microphone == QLatin1StringView{"authorized"} ? CaptureAuthorization::authorized
+                        : microphone == QLatin1StringView{"denied"}   ? CaptureAuthorization::denied
+                                                                      : CaptureAuthorization::notDetermined;
+    if (canSeeScreen)
+        source.contentFailure.reset();
+    else
+        source.contentFailure = TransportError{QStringLiteral("refused")};
+}
+
+void ScreenDriver::setNotifications(const QString& authorization) {
+    m_world->desktop.desktop.notifications.granted =
+        authorization == QLatin1StringView{"authorized"} ? NotificationAuthorization::authorized
+        : authorization == QLatin1StringView{"denied"}   ? NotificationAuthorization::denied
+                                                         : NotificationAuthorization::notDetermined;
+}
+
+void ScreenDriver::refuseLoginItems() {
+    m_world->desktop.desktop.loginItems.failure = TransportError{QStringLiteral("read-only")};
+}
+
+void ScreenDriver::setLoginItem(bool isRegistered) {
+    m_world->desktop.desktop.loginItems.isRegistered = isRegistered;
+}
+
+void ScreenDriver::provideUpdater() {
+    session().setSparkleUpdater(&m_world->updater);
+}
+
+void ScreenDriver::setDark(bool isDark) {
+    m_world->theme.setIsDark(isDark);
+}
+
+void ScreenDriver::requestTab(const QString& tab) {
+    session().setRequestedTab(tab);
+}
+
+QVariant ScreenDriver::stored(const QString& key) const {
+    const auto& preferences = m_world->fixture.preferences;
+    if (const auto text = preferences.string(key))
+        return *text;
+    if (const auto flag = preferences.boolean(key))
+        return *flag;
+    if (const auto number = preferences.number(key))
+        return *number;
+    return {};
+}
+
+QString ScreenDriver::serverURL() {
+    return session().serverURL();
+}
+
+bool ScreenDriver::isLoginItem() const {
+    return m_world->desktop.desktop.loginItems.isRegistered;
+}
+
+void ScreenDriver::setHidingAdvice(const QString& lines) {
+    m_world->hiding.set({.offer = CaptureHidingOffer::needsConfiguration, .configuration = lines});
+}
+
+int ScreenDriver::asked(const QString& step) const {
+    settle();
+    const std::string name = word(step);
+    return static_cast<int>(std::ranges::count(m_world->fixture.log, name) +
+                            std::ranges::count(m_world->desktop.desktop.log, name));
+}
+
+int ScreenDriver::updateChecks() const {
+    return m_world->updater.checks;
+}
+
+QString ScreenDriver::openedPage() const {
+    settle();
+    const auto& pages = m_world->desktop.desktop.browser.pages;
+    return pages.empty() ? QString{} : pages.back().toString();
+}
+
+QString ScreenDriver::clipboard() const {
+    return QGuiApplication::clipboard()->text();
+}
+
+QVariantMap ScreenDriver::spoken(QObject* item) const {
+    QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(item);
+    if (!accessible)
+        return {};
+    return {{QStringLiteral("name"), accessible->text(QAccessible::Name)},
+            {QStringLiteral("description"), accessible->text(QAccessible::Description)},
+            {QStringLiteral("role"), QVariant::fromValue(static_cast<int>(accessible->role()))},
+            {QStringLiteral("isCheckable"), static_cast<bool>(accessible->state().checkable)},
+            {QStringLiteral("isChecked"), static_cast<bool>(accessible->state().checked)}};
 }
 
 bool ScreenDriver::isSessionActive() {

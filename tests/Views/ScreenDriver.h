@@ -3,6 +3,7 @@
 #include <memory>
 #include <QObject>
 #include <QString>
+#include <QVariantMap>
 
 #include "FakeHandoffWindow.h"
 #include "Support/SessionFixture.h"
@@ -66,6 +67,33 @@ public:
     Q_INVOKABLE void setStealth(bool isOn);
 
     Q_INVOKABLE [[nodiscard]] bool isStealthOn();
+    // How things stand in the settings. Empty texts mean none.
+    Q_INVOKABLE void setUser(const QString& email);
+    Q_INVOKABLE void setConnected(bool isConnected);
+    Q_INVOKABLE void setSensor(bool isConnected, const QString& contact, const QString& company, bool hasCall);
+    Q_INVOKABLE void setKeyWatch(bool isWatching, const QString& explanation);
+    /// What the desktop answers from now on: "authorized", "denied" or "not determined".
+    Q_INVOKABLE void setPermissions(const QString& microphone, bool canSeeScreen);
+    Q_INVOKABLE void setNotifications(const QString& authorization);
+    Q_INVOKABLE void refuseLoginItems();
+    Q_INVOKABLE void setLoginItem(bool isRegistered);
+    Q_INVOKABLE void provideUpdater();
+    Q_INVOKABLE void setDark(bool isDark);
+    Q_INVOKABLE void requestTab(const QString& tab);
+    /// What is stored under `key`, as text; undefined when nothing is.
+    Q_INVOKABLE [[nodiscard]] QVariant stored(const QString& key) const;
+    Q_INVOKABLE [[nodiscard]] QString serverURL();
+    Q_INVOKABLE [[nodiscard]] bool isLoginItem() const;
+    /// The lines that the desktop's configuration needs; before the screen is made.
+    Q_INVOKABLE void setHidingAdvice(const QString& lines);
+    /// How often something was asked of a service or of the desktop, by its name in their log.
+    Q_INVOKABLE [[nodiscard]] int asked(const QString& step) const;
+    Q_INVOKABLE [[nodiscard]] int updateChecks() const;
+    Q_INVOKABLE [[nodiscard]] QString openedPage() const;
+    Q_INVOKABLE [[nodiscard]] QString clipboard() const;
+    /// The name, the description and the role of `item` as a screen reader has them, and whether it is checked.
+    Q_INVOKABLE [[nodiscard]] QVariantMap spoken(QObject* item) const;
+
     Q_INVOKABLE [[nodiscard]] bool isSessionActive();
     Q_INVOKABLE [[nodiscard]] int connectionsAsked() const;
     Q_INVOKABLE [[nodiscard]] int handoffsShown() const;

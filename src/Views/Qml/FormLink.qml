@@ -2,20 +2,46 @@ import QtQuick
 import QtQuick.Layouts
 import Corvellan.Views
 
-/// A link to a page in the user's browser.
-PressButton {
+/// A link to a page in the user's browser. No control underneath: those are spoken in a role of their own,
+/// whatever role they are given.
+Item {
     id: root
 
     required property Theme theme
+    required property string text
+    readonly property int padding: 6
 
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    signal clicked
+
+    implicitWidth: words.implicitWidth + 2 * padding
     implicitHeight: theme.hitTarget
-    leftPadding: 6
-    rightPadding: 6
+    // The words stand flush with what other rows have there.
+    Layout.rightMargin: -padding
+    activeFocusOnTab: true
+
+    Keys.onPressed: (event) => {
+        event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter || event.key === Qt.Key_Space;
+        if (event.accepted && !event.isAutoRepeat)
+            root.clicked();
+    }
 
     Accessible.role: Accessible.Link
+    Accessible.name: root.text
+    Accessible.focusable: true
+    Accessible.onPressAction: root.clicked()
 
-    contentItem: RowLayout {
+    Rectangle {
+        anchors.fill: parent
+        radius: 6
+        color: Qt.alpha(root.theme.foreground, pointer.pressed ? 0.1 : pointer.containsMouse ? 0.05 : 0)
+        border.width: root.activeFocus ? 2 : 0
+        border.color: root.theme.focusRing
+    }
+
+    RowLayout {
+        id: words
+
+        anchors.centerIn: parent
         spacing: 5
 
         ReadOut {
@@ -23,7 +49,7 @@ PressButton {
             text: root.text
             size: 13
             color: root.theme.accent
-            font.underline: root.hovered || root.visualFocus
+            font.underline: pointer.containsMouse || root.activeFocus
             Accessible.ignored: true
         }
         IconLabel {
@@ -34,10 +60,12 @@ PressButton {
         }
     }
 
-    background: Rectangle {
-        radius: 6
-        color: Qt.alpha(root.theme.foreground, root.down ? 0.1 : root.hovered ? 0.05 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+    MouseArea {
+        id: pointer
+
+        anchors.fill: parent
+        hoverEnabled: true
+        cursorShape: Qt.PointingHandCursor
+        onClicked: root.clicked()
     }
 }

@@ -12,6 +12,7 @@ T.ComboBox {
     /// What is picked, for screen readers.
     required property string label
     property int selected: -1
+    readonly property int choiceHeight: 30
 
     signal chosen(index: int)
 
@@ -30,8 +31,22 @@ T.ComboBox {
         root.currentIndex = Qt.binding(() => root.selected);
     }
 
-    Keys.onReturnPressed: (event) => root.popup.visible ? event.accepted = false : root.popup.open()
-    Keys.onEnterPressed: (event) => root.popup.visible ? event.accepted = false : root.popup.open()
+    // Return opens as Space does; in the list, the release of Return chooses.
+    property bool opensOnRelease: false
+
+    Keys.onPressed: (event) => {
+        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
+        event.accepted = isReturn && !root.popup.visible;
+        if (event.accepted && !event.isAutoRepeat)
+            root.opensOnRelease = true;
+    }
+    Keys.onReleased: (event) => {
+        event.accepted = root.opensOnRelease && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter);
+        if (!event.accepted)
+            return;
+        root.opensOnRelease = false;
+        root.popup.open();
+    }
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: qsTr("%1: %2").arg(root.label).arg(root.displayText)
@@ -74,7 +89,7 @@ T.ComboBox {
         required property string modelData
 
         width: ListView.view ? ListView.view.width : 0
-        implicitHeight: 30
+        implicitHeight: root.choiceHeight
         leftPadding: 28
         rightPadding: 10
         highlighted: root.highlightedIndex === index
@@ -112,13 +127,13 @@ T.ComboBox {
     popup: T.Popup {
         y: root.height + 4
         width: root.width
-        height: Math.min(implicitContentHeight + topPadding + bottomPadding, 240)
+        // Not by the list's own height: a list that has none yet makes no rows to have a height.
+        height: Math.min(root.count * root.choiceHeight + topPadding + bottomPadding, 240)
         margins: 8
         padding: 5
 
         contentItem: ListView {
             clip: true
-            implicitHeight: contentHeight
             model: root.popup.visible ? root.delegateModel : null
             currentIndex: root.highlightedIndex
         }

@@ -7,6 +7,7 @@
 
 #include "PanelFixture.h"
 #include "Views/StealthView.h"
+#include "Views/Theme.h"
 
 namespace corvellan::test {
 
@@ -174,6 +175,18 @@ TEST_F(StealthPanelTest, closingHidesAndShowingBringsTheSameContentBack) {
     panel.makeKeyAndOrderFront();
     EXPECT_TRUE(panel.isVisible());
     EXPECT_EQ(panel.rootObject(), content);
+}
+
+TEST_F(StealthPanelTest, theWindowIsLightOnlyWhereTheDesktopAsksForThat) {
+    const auto isDark = [this](const char* theme) {
+        return panel.rootObject()->property(theme).value<Theme*>()->isDark();
+    };
+    EXPECT_TRUE(isDark("theme")) << "no preference";
+    settings.desktop.appearance.setColorScheme(ColorScheme::light);
+    EXPECT_FALSE(isDark("theme"));
+    EXPECT_TRUE(isDark("callTheme")) << "a call is dark whatever the desktop is";
+    settings.desktop.appearance.setColorScheme(ColorScheme::dark);
+    EXPECT_TRUE(isDark("theme"));
 }
 
 TEST_F(StealthPanelTest, theFaceInTheWindowFollowsTheSession) {
