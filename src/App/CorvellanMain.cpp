@@ -16,8 +16,8 @@
 #include "Base/SettingsPreferences.h"
 #include "Models/MemoryStore.h"
 #include "Platform/CaptureHiding.h"
-#include "Platform/DesktopAppearance.h"
 #include "Platform/Linux/Activation/DesktopActivation.h"
+#include "Platform/Linux/Appearance/PortalAppearance.h"
 #include "Platform/Linux/Browser/XdgWebBrowser.h"
 #include "Platform/Linux/CaptureHiding/MakeCaptureHiding.h"
 #include "Platform/Linux/Keys/LinuxGlobalKeys.h"
@@ -101,7 +101,7 @@ struct RealParts {
     DesktopSession session = DesktopSession::current();
     std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session, bus);
     std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);
-    std::unique_ptr<DesktopAppearance> appearance = std::make_unique<NoDesktopAppearance>();
+    PortalAppearance appearance{bus};
     TrayStatusBar statusBar;
     AbsentHandoffWindow handoffWindow;
 };
@@ -133,7 +133,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .activation = parts.activation,
                     .captureHiding = *parts.captureHiding,
                     .browser = parts.browser,
-                    .appearance = *parts.appearance},
+                    .appearance = parts.appearance},
         .handoffWindow = parts.handoffWindow,
         .updateFeed = parts.updateFeed,
         .makeUpdater =

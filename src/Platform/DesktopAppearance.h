@@ -18,10 +18,4 @@ public:
     std::function<void()> onChanged;
 };
 
-/// For desktops that say nothing.
-class NoDesktopAppearance final : public DesktopAppearance {
-public:
-    [[nodiscard]] ColorScheme colorScheme() const override { return ColorScheme::noPreference; }
-};
-
 }  // namespace corvellan
