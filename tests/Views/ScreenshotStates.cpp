@@ -273,30 +273,40 @@ States settingsStates() {
         settings.desktop.loginItems.isRegistered = true;
     };
     States states;
-    for (const bool isLight : {false, true})
-        for (int page = 0; page < 4; ++page) {
-            for (const bool isRich : {false, true}) {
-                ScreenshotState state = isRich ? rich : plain;
-                state.isLight = isLight;
-                state.pages = page;
-                state.name = u"settings-%1-%2-%3"_s.arg(isRich ? u"rich"_s : u"plain"_s,
-                                                        isLight ? u"light"_s : u"dark"_s, QString::number(page));
-                states.push_back(state);
-            }
+    for (int page = 0; page < 4; ++page)
+        for (const bool isLight : {false, true}) {
+            ScreenshotState state = isLight ? rich : plain;
+            state.isLight = isLight;
+            state.pages = page;
+            state.name = u"settings-%1-%2"_s.arg(isLight ? u"light"_s : u"dark"_s, QString::number(page));
+            states.push_back(state);
         }
-    for (int page = 0; page < 6; ++page) {
+    for (const int page : {0, 2, 4}) {
         ScreenshotState smallest = rich;
         smallest.name = u"settings-smallest-%1"_s.arg(page);
         smallest.size = QSize{520, 400};
         smallest.pages = page;
         states.push_back(smallest);
     }
-    for (const int tabs : {1, 2, 3, 4, 6, 9}) {
+    for (const int tabs : {1, 2, 5}) {
         ScreenshotState focused = plain;
         focused.name = u"settings-focus-%1"_s.arg(tabs);
         focused.tabs = tabs;
         states.push_back(focused);
     }
+    for (const bool isLight : {false, true}) {
+        ScreenshotState opened = plain;
+        opened.name = isLight ? u"settings-picker-light"_s : u"settings-picker-dark"_s;
+        opened.tabs = 1;
+        opened.pressesSpace = true;
+        opened.isLight = isLight;
+        states.push_back(opened);
+    }
+    ScreenshotState scaled = rich;
+    scaled.name = u"settings-scale-2.0"_s;
+    scaled.fontScale = 2;
+    scaled.pages = 1;
+    states.push_back(scaled);
     return states;
 }
 

@@ -23,6 +23,8 @@ struct ScreenshotState {
     bool unfoldsBrief = false;
     /// How often the Tab key is pressed.
     int tabs = 0;
+    /// Then Space.
+    bool pressesSpace = false;
     /// Instead of a call, the settings: how things stand there.
     bool isSettings = false;
     std::function<void(SettingsFixture&, Preferences&)> prepareSettings = {};

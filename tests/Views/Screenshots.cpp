@@ -88,6 +88,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     // The form takes its new size first.
     spin(100ms);
     press(Qt::Key_PageDown, state.pages);
+    press(Qt::Key_Space, state.pressesSpace ? 1 : 0);
     // Longer than every animation.
     spin(600ms);
     const QImage picture = panel.grabWindow();
