@@ -11,7 +11,6 @@
 #include "Base/Clock.h"
 #include "Base/Error.h"
 #include "Services/Protocols/SessionStoreProtocol.h"
-#include "Services/Protocols/UpdateFeedProtocol.h"
 #include "Shell/Stealth/CaptureSelfTest.h"
 #include "ViewModels/SessionViewModel.h"
 
@@ -56,7 +55,6 @@ struct AppEnvironment {
     AppFactory& services;
     Desktop desktop;
     HandoffWindowController& handoffWindow;
-    UpdateFeedProtocol& updateFeed;
     std::function<std::unique_ptr<UpdaterProtocol>()> makeUpdater;
     std::function<QCoro::Task<std::expected<OpenedStore, Error>>()> openStore;
     QString runningVersion;

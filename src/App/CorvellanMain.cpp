@@ -34,7 +34,6 @@
 #include "Services/BriefingService.h"
 #include "Services/HttpClient.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
-#include "Services/UpdateFeedService.h"
 #include "Shell/DownloadPageUpdater.h"
 #include "SingleInstance.h"
 #include "Views/HandoffWindowController.h"
@@ -76,7 +75,6 @@ struct RealParts {
     PulseAudioInputs audioInputs{clock, ownSpeech};
     HttpClient http{network.executor(), clock};
     BriefingService briefings{http, deployment::chatUrl(), debugLog};
-    UpdateFeedService updateFeed{http};
     XdgWebBrowser browser{clock};
     SocketLoopbackListeners listeners;
     AppServices services{AppServices::Parts{
@@ -135,7 +133,6 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .browser = parts.browser,
                     .appearance = parts.appearance},
         .handoffWindow = parts.handoffWindow,
-        .updateFeed = parts.updateFeed,
         .makeUpdater =
             [&parts] {
                 return std::make_unique<DownloadPageUpdater>(parts.browser, parts.alerts,

@@ -13,7 +13,7 @@ QCoro::Task<void> AppDelegate::checkForUpdateBadge() {
     const auto url = updatefeed::url(m_environment.session.productionUrl);
     if (!url)
         co_return;
-    const auto feed = co_await m_environment.updateFeed.fetch(*url, m_stop.get_token());
+    const auto feed = co_await m_environment.session.http.send(updatefeed::request(*url), m_stop.get_token());
     if (!self)
         co_return;
     if (!feed) {

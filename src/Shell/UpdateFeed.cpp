@@ -19,6 +19,10 @@ std::optional<QUrl> url(const QString& productionCoachUrl) {
     return feed;
 }
 
+HttpRequest request(QUrl url) {
+    return {.url = std::move(url), .timeout = timeout, .maxBodyBytes = maxBodyBytes};
+}
+
 QString shortVersionString(QByteArrayView body) {
     QStringDecoder decode{QStringDecoder::Utf8, QStringConverter::Flag::Stateless};
     const QString text = decode(body);

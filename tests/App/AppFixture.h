@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "App/AppDelegate.h"
 #include "App/Panel/StealthPanel.h"
 #include "Panel/PanelFixture.h"
@@ -15,30 +13,26 @@
 
 namespace corvellan::test {
 
-class FakeUpdater final : public UpdaterProtocol {
+/// The server of the update feed: the part of HTTP that answers at its address.
+class FakeUpdateFeed {
 public:
-    void checkForUpdates() override { ++checks; }
-    int checks = 0;
-};
-
-class FakeUpdateFeed final : public UpdateFeedProtocol {
-public:
-    explicit FakeUpdateFeed(CallLog& log) : m_log(log) {}
-
-    QCoro::Task<std::expected<UpdateFeedAnswer, Error>> fetch(QUrl url, std::stop_token) override {
-        m_log.emplace_back("updateFeed.fetch");
-        asked.push_back(std::move(url));
-        if (failure)
-            co_return std::unexpected(*failure);
-        co_return UpdateFeedAnswer{.body = body};
+    FakeUpdateFeed(FakeHttp& http, CallLog& log) {
+        http.respond = [this, &log](const HttpRequest& request) -> FakeHttp::Result {
+            if (request.url.path() != u"/appcast.xml")
+                return std::unexpected(FakeHttp::unreachable());
+            log.emplace_back("updateFeed.fetch");
+            asked.push_back(request.url);
+            if (failure)
+                return std::unexpected(*failure);
+            return HttpAnswer{.status = 200, .body = body};
+        };
     }
+    FakeUpdateFeed(const FakeUpdateFeed&) = delete;
+    FakeUpdateFeed& operator=(const FakeUpdateFeed&) = delete;
 
     QList<QUrl> asked;
     QByteArray body;
     std::optional<Error> failure;
-
-private:
-    CallLog& m_log;
 };
 
 /// Hands out the fakes that the test prepared, and notes in which order they were asked for.
@@ -52,62 +46,48 @@ public:
     std::unique_ptr<SttServiceProtocol> makeStt() override { return session.makeStt(); }
 
     std::unique_ptr<WebSocketServiceProtocol> makeWebSocket() override {
-        if (!m_ws)
+        auto given = m_given.takeWebSocket();
+        if (!given)
             return session.makeWebSocket();
         m_log.emplace_back("make WebSocketService");
-        return std::move(m_ws);
+        return given;
     }
     std::unique_ptr<AudioServiceProtocol> makeAudio() override {
         m_log.emplace_back("make AudioService");
-        return std::move(m_audio);
+        return m_given.takeAudio();
     }
     std::unique_ptr<SttServiceProtocol> makeMicrophoneStt() override {
         m_log.emplace_back("make SttService");
-        return std::move(m_stt);
+        return m_given.takeStt();
     }
     std::unique_ptr<AuthServiceProtocol> makeAuth() override {
         m_log.emplace_back("make AuthService");
-        return std::move(m_auth);
+        return m_given.takeAuth();
     }
+    [[nodiscard]] const FakeGivenServices& given() const { return m_given; }
 
 private:
     CallLog& m_log;
-    std::unique_ptr<FakeWebSocket> m_ws = std::make_unique<FakeWebSocket>(m_log);
-    std::unique_ptr<FakeAudio> m_audio = std::make_unique<FakeAudio>(m_log);
-    std::unique_ptr<FakeStt> m_stt = std::make_unique<FakeStt>(m_log, "stt");
-    std::unique_ptr<FakeAuth> m_auth = std::make_unique<FakeAuth>(m_log);
+    FakeGivenServices m_given{m_log};
 
 public:
     FakeFactory session;
     // Good for as long as the delegate that took them lives.
-    FakeWebSocket* ws = m_ws.get();
-    FakeAudio* audio = m_audio.get();
-    FakeStt* stt = m_stt.get();
-    FakeAuth* auth = m_auth.get();
+    FakeWebSocket* ws = m_given.ws;
+    FakeAuth* auth = m_given.auth;
 };
 
 /// The whole shell over fakes and a manual clock, on a local server. Prepare the fakes first; the delegate
 /// is made at its first use.
-class AppFixture : public testing::Test {
+class AppFixture : public testing::Test, protected SessionSurroundings {
 protected:
-    AppFixture() { preferences.setString(QStringLiteral("serverMode"), QStringLiteral("local")); }
-
     ~AppFixture() override { takeDown(); }
 
     /// Also for the destructors of tests that own something which the delegate uses.
     void takeDown() {
         if (!m_delegate)
             return;
-        auto& session = m_delegate->viewModel();
-        session.disconnect();
-        session.onSessionActiveChanged = {};
-        session.stopSession();
-        services.ws->connectGate.open();
-        services.auth->loginGate.open();
-        settleAfter(clock, std::chrono::minutes{1});
-        session.stopSession();
-        session.stopSensorPolling();
-        settleAfter(clock, std::chrono::minutes{1});
+        quieten(m_delegate->viewModel(), services.given(), services.session);
         m_delegate.reset();
         // What it asked to stop looks once more at the clock.
         settle();
@@ -115,7 +95,7 @@ protected:
 
     AppDelegate& delegate() {
         if (!m_delegate)
-            m_delegate = std::make_unique<AppDelegate>(environment());
+            m_delegate = std::make_unique<AppDelegate>(appEnvironment());
         return *m_delegate;
     }
     SessionViewModel& session() { return delegate().viewModel(); }
@@ -128,7 +108,7 @@ protected:
 
     /// Starts a call and goes as far as the live phase.
     void goLive() {
-        services.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+        services.ws->deliver(ServerMsg::Value{started()});
         settle();
     }
 
@@ -138,18 +118,11 @@ protected:
 
     [[nodiscard]] qsizetype count(const std::string& step) const { return std::ranges::count(log, step); }
 
-    QTemporaryDir folder;
-    ManualClock clock;
-    MemoryPreferences preferences;
-    DebugLog debugLog{folder.filePath(QStringLiteral("corvellan-debug.log")), clock};
-    Diagnostics diagnostics;
     FakeDesktop desktop;
     CallLog& log = desktop.log;
     FakeCaptureHiding captureHiding;
     FakeAppFactory services{log};
-    FakeHttp http;
-    FakeBriefings briefings;
-    FakeUpdateFeed updateFeed{log};
+    FakeUpdateFeed updateFeed{http, log};
     IgnoredHandoffWindow handoffWindow;
     LogCapture shell{QStringLiteral("Shell")};
     std::optional<Error> storeFailure;
@@ -159,22 +132,9 @@ protected:
     FakeStore* store = nullptr;
 
 private:
-    AppEnvironment environment() {
+    AppEnvironment appEnvironment() {
         return {
-            .session = {.main = mainExecutor(),
-                        .pumps = mainExecutor(),
-                        .clock = clock,
-                        .preferences = preferences,
-                        .debugLog = debugLog,
-                        .diagnostics = diagnostics,
-                        .services = services,
-                        .http = http,
-                        .briefings = briefings,
-                        .productionUrl = QStringLiteral("wss://coach.test/ws"),
-                        .chatUrl = QStringLiteral("https://chat.test"),
-                        .clientVersion = runningVersion,
-                        .tokenFilePath = folder.filePath(QStringLiteral("auth.json")),
-                        .loadMemoryNote = {}},
+            .session = SessionSurroundings::environment(services, runningVersion),
             .services = services,
             .desktop = {.notifications = notificationCenter(),
                         .globalKeys = desktop.keys,
@@ -188,7 +148,6 @@ private:
                         .browser = desktop.browser,
                         .appearance = desktop.appearance},
             .handoffWindow = handoffWindow,
-            .updateFeed = updateFeed,
             .makeUpdater =
                 [this] {
                     log.emplace_back("make updater");

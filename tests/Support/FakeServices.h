@@ -16,6 +16,7 @@
 #include "Services/Protocols/SessionStoreProtocol.h"
 #include "Services/Protocols/SttServiceProtocol.h"
 #include "Services/Protocols/TtsServiceProtocol.h"
+#include "Services/Protocols/UpdaterProtocol.h"
 #include "Services/Protocols/WebSocketServiceProtocol.h"
 
 /// Stand-ins for the services at the line that `Services/Protocols` draws. They live on the main
@@ -408,6 +409,13 @@ public:
 
 private:
     FakeWebSocket& m_target;
+};
+
+class FakeUpdater final : public UpdaterProtocol {
+public:
+    void checkForUpdates() override { ++checks; }
+
+    int checks = 0;
 };
 
 /// Hands out fakes that the test prepared.

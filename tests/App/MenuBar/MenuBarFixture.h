@@ -4,17 +4,9 @@
 
 #include "App/MenuBar/MenuBarController.h"
 #include "App/Panel/PanelFixture.h"
-#include "Services/Protocols/UpdaterProtocol.h"
 #include "Support/FakeDesktop.h"
 
 namespace corvellan::test {
-
-class FakeUpdater final : public UpdaterProtocol {
-public:
-    void checkForUpdates() override { ++checks; }
-
-    int checks = 0;
-};
 
 /// The menu's controller over a session of fakes and a real panel. The status bar is the test's affair.
 class MenuBarFixture : public PanelFixture {

@@ -1,4 +1,4 @@
-#include "Services/UpdateFeedService.h"
+#include "Shell/UpdateFeed.h"
 
 #include <gtest/gtest.h>
 
@@ -13,21 +13,20 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class UpdateFeedServiceTest : public testing::Test {
+class UpdateFeedFetchTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(server.listen()); }
 
-    auto fetched() { return complete(service.fetch(server.url(u"/appcast.xml"_s), {})); }
+    auto fetched() { return complete(http.send(updatefeed::request(server.url(u"/appcast.xml"_s)), {})); }
 
     LoopbackHttpServer server;
     ManualClock clock;
     HttpClient http{mainExecutor(), clock};
-    UpdateFeedService service{http};
 };
 
 }  // namespace
 
-TEST_F(UpdateFeedServiceTest, getsTheBodyInOneRequest) {
+TEST_F(UpdateFeedFetchTest, getsTheBodyInOneRequest) {
     server.answer(200, "<rss/>");
     const auto answer = fetched();
     ASSERT_TRUE(answer) << answer.error().errorDescription().toStdString();
@@ -37,28 +36,28 @@ TEST_F(UpdateFeedServiceTest, getsTheBodyInOneRequest) {
     EXPECT_EQ(server.requests[0].target, "/appcast.xml");
 }
 
-TEST_F(UpdateFeedServiceTest, takesAnErrorPageForABody) {
+TEST_F(UpdateFeedFetchTest, takesAnErrorPageForABody) {
     server.answer(404, "a page");
     EXPECT_EQ(fetched().value().body, "a page");
 }
 
-TEST_F(UpdateFeedServiceTest, takesABodyOfTheLargestSize) {
-    const QByteArray largest(UpdateFeedService::maxBodyBytes, 'x');
+TEST_F(UpdateFeedFetchTest, takesABodyOfTheLargestSize) {
+    const QByteArray largest(updatefeed::maxBodyBytes, 'x');
     server.answer(200, largest);
     EXPECT_TRUE(fetched().value().body == largest);
 }
 
-TEST_F(UpdateFeedServiceTest, refusesAByteMore) {
-    server.answer(200, QByteArray(UpdateFeedService::maxBodyBytes + 1, 'x'));
+TEST_F(UpdateFeedFetchTest, refusesAByteMore) {
+    server.answer(200, QByteArray(updatefeed::maxBodyBytes + 1, 'x'));
     const auto answer = fetched();
     ASSERT_FALSE(answer);
     EXPECT_EQ(answer.error().errorDescription(), u"The server's answer is too long."_s);
 }
 
-TEST_F(UpdateFeedServiceTest, stopsOnRequest) {
+TEST_F(UpdateFeedFetchTest, stopsOnRequest) {
     std::stop_source stop;
     stop.request_stop();
-    const auto answer = complete(service.fetch(server.url(), stop.get_token()));
+    const auto answer = complete(http.send(updatefeed::request(server.url()), stop.get_token()));
     ASSERT_FALSE(answer);
     EXPECT_TRUE(answer.error().as<CancelledError>());
 }
