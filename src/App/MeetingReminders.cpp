@@ -6,6 +6,7 @@
 #include "Base/Iso8601.h"
 #include "Base/Log.h"
 #include "Platform/Notifications.h"
+#include "Shell/MeetingReminder.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -16,11 +17,8 @@ namespace {
 
 constexpr auto reminderLead = 120s;
 
-const QString startAction = u"START_COACHING"_s;
-const QString reminderCategory = u"MEETING_REMINDER"_s;
-
-std::optional<QString> valueOf(const QMap<QString, QString>& userInfo, const QString& key) {
-    const auto found = userInfo.constFind(key);
+std::optional<QString> valueOf(const QMap<QString, QString>& userInfo, QStringView key) {
+    const auto found = userInfo.constFind(key.toString());
     return found == userInfo.cend() ? std::nullopt : std::optional{*found};
 }
 
@@ -51,27 +49,21 @@ void AppDelegate::checkUpcomingMeetingNotification() {
 void AppDelegate::showMeetingNotification(const CalendarMeeting& meeting) {
     auto& notifications = m_environment.desktop.notifications;
     static_cast<void>(notifications.requestAuthorization());
-    notifications.setCategory(
-        {.identifier = reminderCategory,
-         .actions = {{.identifier = startAction, .title = u"Start Coaching"_s, .bringsToForeground = true}}});
-    notifications.add({
-        .identifier = u"meeting-"_s + meeting.id,
-        .title = u"Meeting starting soon"_s,
-        .subtitle = meeting.summary,
-        .body = u"Start coaching with Corvellan Bram?"_s,
-        .categoryIdentifier = reminderCategory,
-        .playsDefaultSound = true,
-        .userInfo = {{u"meetingId"_s, meeting.id},
-                     {u"company"_s, meeting.matchedCompany ? meeting.matchedCompany->name : meeting.summary}},
-    });
+    const MeetingReminder reminder{
+        .meetingId = meeting.id,
+        .summary = meeting.summary,
+        .company = meeting.matchedCompany ? meeting.matchedCompany->name : meeting.summary,
+    };
+    reminder.show(notifications, u"meeting-"_s + meeting.id);
 }
 
 void AppDelegate::userNotificationCenterDidReceive(const NotificationResponse& response) {
     shellLog(u"Notification action: "_s + response.actionIdentifier);
-    if (response.actionIdentifier != startAction && response.actionIdentifier != defaultNotificationAction)
+    if (response.actionIdentifier != MeetingReminder::startAction &&
+        response.actionIdentifier != defaultNotificationAction)
         return;
-    const auto company = valueOf(response.userInfo, u"company"_s);
-    const auto meetingId = valueOf(response.userInfo, u"meetingId"_s);
+    const auto company = valueOf(response.userInfo, MeetingReminder::companyKey);
+    const auto meetingId = valueOf(response.userInfo, MeetingReminder::meetingIdKey);
     shellLog(u"Starting coaching from notification: company="_s + company.value_or(u"nil"_s));
     bringToFront(response.activationToken);
     m_viewModel->startSession({.company = company, .calendarEventId = meetingId});

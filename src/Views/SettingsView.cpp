@@ -10,6 +10,7 @@
 #include "Platform/WebBrowser.h"
 #include "Services/Protocols/UpdaterProtocol.h"
 #include "Shell/LaunchAtLogin.h"
+#include "Shell/MeetingReminder.h"
 #include "ViewModels/SessionViewModel.h"
 
 namespace corvellan {
@@ -323,27 +324,15 @@ void SettingsView::requestNotificationPermission() {
 }
 
 void SettingsView::sendTestNotification() {
-    QString meetingId = u"test"_s;
-    QString summary = u"Test Meeting"_s;
-    QString company = u"Test Company"_s;
+    MeetingReminder reminder{.meetingId = u"test"_s, .summary = u"Test Meeting"_s, .company = u"Test Company"_s};
     if (const auto& meetings = m_session.upcomingMeetings(); !meetings.empty()) {
         const CalendarMeeting& first = meetings.front();
-        meetingId = first.id;
-        summary = first.summary;
+        reminder.meetingId = first.id;
+        reminder.summary = first.summary;
         if (first.matchedCompany)
-            company = first.matchedCompany->name;
+            reminder.company = first.matchedCompany->name;
     }
-    const QString category = u"MEETING_REMINDER"_s;
-    m_parts.notifications.setCategory(
-        {.identifier = category,
-         .actions = {{.identifier = u"START_COACHING"_s, .title = u"Start Coaching"_s, .bringsToForeground = true}}});
-    m_parts.notifications.add({.identifier = u"test-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces),
-                               .title = u"Meeting starting soon"_s,
-                               .subtitle = summary,
-                               .body = u"Start coaching with Corvellan Bram?"_s,
-                               .categoryIdentifier = category,
-                               .playsDefaultSound = true,
-                               .userInfo = {{u"meetingId"_s, meetingId}, {u"company"_s, company}}});
+    reminder.show(m_parts.notifications, u"test-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces));
 }
 
 QString SettingsView::notificationStatusText(NotificationAuthorization status) {
