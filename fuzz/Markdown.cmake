@@ -1,0 +1,1 @@
+corvellan_fuzz(Markdown LINK Corvellan::Markdown)
