@@ -1,2 +1,3 @@
 corvellan_fuzz(CallScript LINK Corvellan::Sandbox)
+corvellan_fuzz(Customers LINK Corvellan::Sandbox)
 corvellan_fuzz(ProviderRequest LINK Corvellan::Sandbox)

@@ -3,6 +3,7 @@
 #include <QHttpServer>
 #include <QJsonObject>
 
+#include "BriefingRoutes.h"
 #include "Listening.h"
 #include "SignInRoutes.h"
 
@@ -10,11 +11,13 @@ namespace corvellan::sandbox {
 
 using namespace Qt::StringLiterals;
 
-ChatServer::ChatServer(AccountBook& accounts, Faults faults, const EventLog& log)
+ChatServer::ChatServer(AccountBook& accounts, const CustomerBook& customers, Faults faults, const Clock& clock,
+                       const EventLog& log)
     : m_faults(std::move(faults)),
       m_http(std::make_unique<QHttpServer>()) {
     m_http->route(u"/health"_s, [] { return QJsonObject{{u"status"_s, u"ok"_s}}; });
     addSignInRoutes(*m_http, accounts, m_faults, log);
+    addBriefingRoutes(*m_http, accounts, customers, clock, log);
 }
 
 ChatServer::~ChatServer() = default;

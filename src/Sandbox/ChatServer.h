@@ -7,6 +7,7 @@
 
 #include "AccountBook.h"
 #include "Base/Error.h"
+#include "CustomerBook.h"
 #include "Faults.h"
 
 class QHttpServer;
@@ -15,11 +16,12 @@ namespace corvellan::sandbox {
 
 class EventLog;
 
-/// The stand-in for the chat/briefings back-end: signs users in. Runs on a thread with an event loop; the log
-/// and the accounts must outlive it.
+/// The stand-in for the chat/briefings back-end: signs users in and tells them of meetings and customers. Runs on
+/// a thread with an event loop; what it is made of must outlive it.
 class ChatServer {
 public:
-    ChatServer(AccountBook& accounts, Faults faults, const EventLog& log);
+    ChatServer(AccountBook& accounts, const CustomerBook& customers, Faults faults, const Clock& clock,
+               const EventLog& log);
     ~ChatServer();
     ChatServer(const ChatServer&) = delete;
     ChatServer& operator=(const ChatServer&) = delete;

@@ -36,7 +36,9 @@ QString helpText() {
            u"  --stt-port N               the provider's port, 0 for a free one (3003)\n"
            u"  --keep-audio DIR           keep what was received: DIR/<session>/mic.wav and system.wav\n"
            u"  --close-after MS           from the summary to the close (500)\n"
-           u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n\n"
+           u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n"
+           u"  --customers FILE           customers, meetings and training scenarios in place of those that come "
+           u"along\n\n"
            u"Signing in, on the chat back-end (no password is asked for):\n"
            u"  --user EMAIL               who can sign in, repeatable (anna@fernhill.example, ben@fernhill.example)\n"
            u"  --token-lifetime S         how long access tokens hold, in seconds, or never to end: \"forever\" "
@@ -183,6 +185,7 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
         {u"keep-audio"_s, {}, u"folder"_s},
         {u"close-after"_s, {}, u"ms"_s, u"500"_s},
         {u"update"_s, {}, u"version"_s},
+        {u"customers"_s, {}, u"file"_s},
         {u"fault"_s, {}, u"name"_s},
         {u"proxy"_s, {}, u"mode"_s},
     });
@@ -209,6 +212,13 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
     serve.options.keepAudioFolder = parser.value(u"keep-audio"_s);
     if (parser.isSet(u"update"_s))
         serve.options.feedVersion = parser.value(u"update"_s);
+    if (parser.isSet(u"customers"_s)) {
+        const QString path = parser.value(u"customers"_s);
+        auto customers = CustomerBook::load(path);
+        if (!customers)
+            return Bad{u"--customers %1: %2"_s.arg(path, customers.error())};
+        serve.options.customers = std::move(*customers);
+    }
     for (const auto& name : parser.values(u"fault"_s))
         if (const auto added = serve.options.faults.add(name); !added)
             return Bad{u"--fault: "_s + added.error()};

@@ -27,10 +27,11 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
     : m_clock(clock),
       m_log(log),
       m_accounts(std::move(options.accounts), clock),
+      m_customers(options.customers ? std::move(*options.customers) : CustomerBook::shipped()),
       m_provider(
           {.texts = std::move(options.texts), .keepAudioFolder = options.keepAudioFolder, .faults = options.faults},
           m_tokens, log),
-      m_chat(m_accounts, options.faults, log),
+      m_chat(m_accounts, m_customers, options.faults, clock, log),
       m_coach({.settings = {.faults = options.faults, .closeAfter = options.closeAfter, .providerPort = 0},
                .tokens = m_tokens,
                .calls = m_calls,

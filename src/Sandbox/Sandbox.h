@@ -12,6 +12,7 @@
 #include "CallBook.h"
 #include "ChatServer.h"
 #include "CoachServer.h"
+#include "CustomerBook.h"
 #include "EventLog.h"
 #include "Faults.h"
 #include "ProviderServer.h"
@@ -30,6 +31,8 @@ struct SandboxOptions {
     /// What the feed of new versions announces; the version of this build unless given.
     std::optional<QString> feedVersion;
     AccountSettings accounts;
+    /// Customers, meetings and training scenarios; those that come along unless given.
+    std::optional<CustomerBook> customers;
     Faults faults;
     std::optional<WireFault> coachWire;
     std::optional<WireFault> chatWire;
@@ -65,6 +68,7 @@ private:
     TokenBook m_tokens;
     CallBook m_calls;
     AccountBook m_accounts;
+    CustomerBook m_customers;
     ProviderServer m_provider;
     ChatServer m_chat;
     CoachServer m_coach;
