@@ -21,6 +21,22 @@ TEST(DateTextTest, theTimeOfDayFollowsTheLocaleAndTheZone) {
     EXPECT_EQ(american.replace(u'\u202f', u' '), u"3:05 AM"_s);
 }
 
+TEST(DateTextTest, daysAreWrittenInTheFormOfTheLocale) {
+    const DateStyle german{"de_DE", u"Europe/Berlin"_s};
+    EXPECT_EQ(mediumDate(morning, german), u"02.03.2026"_s);
+    EXPECT_EQ(shortDateTime(morning, german), u"02.03.26, 09:05"_s);
+    EXPECT_EQ(mediumDateShortTime(morning, german), u"02.03.2026, 09:05"_s);
+
+    const DateStyle american{"en_US", u"America/New_York"_s};
+    EXPECT_EQ(mediumDate(morning, american), u"Mar 2, 2026"_s);
+    EXPECT_EQ(shortDateTime(morning, american).replace(u'\u202f', u' '), u"3/2/26, 3:05 AM"_s);
+    EXPECT_EQ(mediumDateShortTime(morning, american).replace(u'\u202f', u' '), u"Mar 2, 2026, 3:05 AM"_s);
+}
+
+TEST(DateTextTest, theDayIsThatOfTheZone) {
+    EXPECT_EQ(mediumDate(morning, {"en_US", u"Pacific/Honolulu"_s}), u"Mar 1, 2026"_s);
+}
+
 TEST(DateTextTest, summerTimeIsTheZonesOwn) {
     const WallTime summer = std::chrono::sys_days{std::chrono::year{2026} / 7 / 2} + 8h;
     EXPECT_EQ(shortTime(summer, {"de_DE", u"Europe/Berlin"_s}), u"10:00"_s);
