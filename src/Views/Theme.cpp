@@ -76,6 +76,27 @@ QColor paint(Tint tint) {
     return color;
 }
 
+QString colorName(ColorRole role) {
+    switch (role) {
+    case ColorRole::white: return u"white"_s;
+    case ColorRole::gray: return u"gray"_s;
+    case ColorRole::red: return u"red"_s;
+    case ColorRole::orange: return u"orange"_s;
+    case ColorRole::yellow: return u"yellow"_s;
+    case ColorRole::green: return u"green"_s;
+    case ColorRole::mint: return u"mint"_s;
+    case ColorRole::cyan: return u"cyan"_s;
+    case ColorRole::blue: return u"blue"_s;
+    case ColorRole::purple: return u"purple"_s;
+    case ColorRole::gold: return u"gold"_s;
+    case ColorRole::discDominant:
+    case ColorRole::discInfluential:
+    case ColorRole::discSteady:
+    case ColorRole::discConscientious: return {};
+    }
+    Q_UNREACHABLE();
+}
+
 QString symbolGlyph(QStringView symbol) {
     const SymbolRow* const row = rowFor(symbol);
     return row ? glyphOf(*row) : fallbackGlyph();
@@ -156,12 +177,35 @@ QColor Theme::gold() const {
     return m_isDark ? paint(ColorRole::gold) : QColor{0x86, 0x65, 0x1c};
 }
 
+QColor Theme::yellow() const {
+    return m_isDark ? paint(ColorRole::yellow) : QColor{0x7d, 0x5f, 0x00};
+}
+
+QColor Theme::mint() const {
+    return m_isDark ? paint(ColorRole::mint) : QColor{0x0a, 0x73, 0x6d};
+}
+
+QColor Theme::blue() const {
+    return m_isDark ? QColor{0x5a, 0xac, 0xff} : QColor{0x0b, 0x63, 0xce};
+}
+
+QColor Theme::purple() const {
+    return m_isDark ? QColor{0xcf, 0x82, 0xf7} : QColor{0x8a, 0x2f, 0xbe};
+}
+
 QVariantMap Theme::named() const {
     // As text on a card the plain dark red is too dim.
-    return {{u"green"_s, green()},
+    return {{u"white"_s, white()},
+            {u"green"_s, green()},
             {u"gray"_s, gray()},
             {u"orange"_s, orange()},
             {u"red"_s, m_isDark ? QColor{0xff, 0x6b, 0x61} : red()},
+            {u"yellow"_s, yellow()},
+            {u"mint"_s, mint()},
+            {u"cyan"_s, cyan()},
+            {u"blue"_s, blue()},
+            {u"purple"_s, purple()},
+            {u"gold"_s, gold()},
             {QString{}, foreground()}};
 }
 

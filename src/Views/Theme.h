@@ -17,6 +17,9 @@ namespace corvellan {
 [[nodiscard]] inline QColor paint(ColorRole role, double opacity = 1.0) {
     return paint(Tint{role, opacity});
 }
+/// Under which name `Theme::named` has the role: "green", "yellow". The four DISC roles, which are never used as
+/// text of a form, have none.
+[[nodiscard]] QString colorName(ColorRole role);
 
 /// The glyph, in the icon font, of a system symbol name. For an unknown name `fallbackGlyph`, which is
 /// drawn like any other icon.
@@ -52,7 +55,8 @@ class Theme : public QObject {
     Q_PROPERTY(QColor gray READ gray NOTIFY schemeChanged)
     Q_PROPERTY(QColor cyan READ cyan NOTIFY schemeChanged)
     Q_PROPERTY(QColor gold READ gold NOTIFY schemeChanged)
-    /// Those that view states tell by name: "green", "gray", "orange", "red"; under "" the one of ordinary text.
+    /// Those that view states tell by name, as `colorName` has them, readable as text on any ground of the
+    /// scheme; under "" the one of ordinary text.
     Q_PROPERTY(QVariantMap named READ named NOTIFY schemeChanged)
     /// Links, and switches that are on.
     Q_PROPERTY(QColor accent READ accent NOTIFY schemeChanged)
@@ -100,6 +104,10 @@ public:
     [[nodiscard]] QColor gray() const;
     [[nodiscard]] QColor cyan() const;
     [[nodiscard]] QColor gold() const;
+    [[nodiscard]] QColor yellow() const;
+    [[nodiscard]] QColor mint() const;
+    [[nodiscard]] QColor blue() const;
+    [[nodiscard]] QColor purple() const;
     [[nodiscard]] QVariantMap named() const;
     [[nodiscard]] QColor accent() const;
     [[nodiscard]] QColor foreground() const;

@@ -65,7 +65,9 @@ TEST(ThemeTest, everyTextOfAFormCanBeReadInBothSchemes) {
         for (const QColor& ground : {theme.windowBackground(), theme.cardBackground(), theme.popupBackground()})
             for (const QColor& text :
                  {theme.foreground(), theme.secondary(), theme.accent(), theme.errorText(),
-                  namedColor(theme, u"green"_s), namedColor(theme, u"orange"_s), namedColor(theme, u"red"_s)})
+                  namedColor(theme, u"green"_s), namedColor(theme, u"orange"_s), namedColor(theme, u"red"_s),
+                  namedColor(theme, u"yellow"_s), namedColor(theme, u"mint"_s), namedColor(theme, u"cyan"_s),
+                  namedColor(theme, u"blue"_s), namedColor(theme, u"purple"_s), namedColor(theme, u"gold"_s)})
                 EXPECT_GE(contrast(text, ground), 4.5) << qPrintable(text.name() + u" on "_s + ground.name());
         EXPECT_GE(contrast(theme.foreground(), theme.controlBackground()), 4.5);
         EXPECT_GE(contrast(theme.prominentText(), theme.green()), 4.5);
@@ -87,6 +89,15 @@ TEST(ThemeTest, namedColorsFollowTheScheme) {
         EXPECT_GT(dark.lightness(), namedColor(theme, name).lightness()) << qPrintable(name);
     }
     EXPECT_EQ(changes.count(), 9) << "told on real changes only";
+}
+
+TEST(ThemeTest, everyGoalsAndModesColorIsNamed) {
+    const Theme theme;
+    for (const auto& row : callGoalRows)
+        EXPECT_TRUE(namedColor(theme, colorName(row.color)).isValid()) << row.raw;
+    for (const ColorRole role : {ColorRole::white, ColorRole::gray, ColorRole::yellow, ColorRole::gold})
+        EXPECT_TRUE(namedColor(theme, colorName(role)).isValid());
+    EXPECT_EQ(colorName(ColorRole::discSteady), QString{});
 }
 
 TEST(ThemeTest, twoThemesShareOneIconFont) {
