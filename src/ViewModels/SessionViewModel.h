@@ -173,7 +173,10 @@ public:
     void setIsScreenShareEnabled(bool value);
 
     /// The record store; null when it did not open. Set once at start-up.
-    void setModelContext(SessionStoreProtocol* store) { m_modelContext = store; }
+    void setModelContext(SessionStoreProtocol* store) {
+        m_modelContext = store;
+        Q_EMIT modelContextChanged();
+    }
     [[nodiscard]] SessionStoreProtocol* modelContext() const { return m_modelContext; }
 
     // MARK: - Derived state
@@ -259,6 +262,8 @@ public:
     [[nodiscard]] bool isQuiet() const;
 
 Q_SIGNALS:
+    /// The record store has opened, or another one took its place.
+    void modelContextChanged();
     /// A coaching message has changed the state; `arrivedAt` is when it came to the socket.
     void coachingShown(corvellan::MonotonicTime arrivedAt);
 

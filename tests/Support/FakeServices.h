@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -323,18 +324,21 @@ class FakeStore final : public SessionStoreProtocol {
 public:
     QCoro::Task<void> insert(SessionRecord record) override {
         records.push_back(std::move(record));
+        announce();
         co_return;
     }
     QCoro::Task<void> update(SessionRecord) override { co_return; }
     QCoro::Task<void> insertAll(std::vector<SessionRecord> added) override {
         for (auto& record : added)
             records.push_back(std::move(record));
+        announce();
         co_return;
     }
     QCoro::Task<void> change(QUuid id, std::function<void(SessionRecord&)> edit) override {
         for (auto& record : records)
             if (record.id == id)
                 edit(record);
+        announce();
         co_return;
     }
     QCoro::Task<std::expected<CallIds, Error>> fetchCallIds(QSet<QString> asked) override {
@@ -357,23 +361,74 @@ public:
         co_return std::as_const(records);
     }
     QCoro::Task<std::expected<std::optional<SessionRecord>, Error>> fetch(QUuid id) override {
+        if (fetchError)
+            co_return std::unexpected(*fetchError);
         for (const auto& record : records)
             if (record.id == id)
                 co_return record;
         co_return std::nullopt;
     }
-    std::shared_ptr<void> observe(std::function<void(Index)>) override { return {}; }
+    std::shared_ptr<void> observe(std::function<void(Index)> changed) override {
+        auto observer = std::make_shared<Observer>(std::move(changed));
+        m_observers.push_back(observer);
+        announce();
+        return observer;
+    }
+
+    /// Tells who observes of the records as they stand now, at the next turn. Needed after a test has changed
+    /// `records` itself.
+    void announce() {
+        if (!m_observers.empty())
+            Executor::current()->post([picture = index(), observers = m_observers] {
+                for (const auto& observer : observers)
+                    if (const auto present = observer.lock())
+                        (*present)(picture);
+            });
+    }
 
     std::vector<SessionRecord> records;
     int saves = 0;
     std::optional<Error> saveError;
     std::optional<Error> fetchError;
+
+private:
+    using Observer = std::function<void(Index)>;
+
+    [[nodiscard]] Index index() const {
+        auto entries = std::make_shared<std::vector<SessionIndexEntry>>();
+        for (const auto& record : records) {
+            auto& entry = entries->emplace_back();
+            entry.id = record.id;
+            entry.createdDate = record.createdDate;
+            entry.durationSecs = record.durationSecs;
+            entry.meddicScore = static_cast<std::int8_t>(record.meddic().score());
+            std::ranges::copy(record.meddic().values(), entry.meddicCriteriaMet);
+            entry.wasTrainMode = record.wasTrainMode;
+            entry.audience = record.audience();
+            entry.companyName = record.companyName;
+        }
+        std::ranges::sort(*entries, std::ranges::greater{}, &SessionIndexEntry::createdDate);
+        return entries;
+    }
+
+    std::vector<std::weak_ptr<Observer>> m_observers;
 };
 
-/// Knows meetings alone; the session asks for nothing else.
+/// Answers as the test prescribes; without that, there is nothing of any kind.
 class FakeBriefings final : public BriefingServiceProtocol {
 public:
-    using Meetings = std::expected<std::vector<CalendarMeeting>, Error>;
+    template <typename T>
+    using Result = std::expected<T, Error>;
+    using Meetings = Result<std::vector<CalendarMeeting>>;
+
+    struct Search {
+        QString token, query;
+        int limit = 0;
+    };
+    struct Timeline {
+        std::optional<QString> companyId, contactId;
+        int daysBack = 0;
+    };
 
     Answer<std::vector<CalendarMeeting>> fetchUpcoming(QString token, int maxResults) override {
         tokens.append(token);
@@ -382,16 +437,47 @@ public:
         co_await gate.pass();
         co_return answer;
     }
-    Answer<std::vector<ResolvedCompany>> searchCompany(QString, QString, int) override { co_return {}; }
-    Answer<SalesBrief> fetchBrief(QString, CompanyQuery) override { co_return SalesBrief{}; }
-    Answer<HandoffResponse> fetchHandoff(QString, CompanyQuery) override { co_return HandoffResponse{}; }
-    Answer<TimelineResponse> fetchTimeline(QString, std::optional<QString>, std::optional<QString>, int) override {
-        co_return TimelineResponse{};
+    Answer<std::vector<ResolvedCompany>> searchCompany(QString token, QString query, int limit) override {
+        searches.push_back({token, query, limit});
+        auto answer = onSearch ? onSearch(query) : Result<std::vector<ResolvedCompany>>{};
+        co_await gate.pass();
+        co_return answer;
+    }
+    Answer<SalesBrief> fetchBrief(QString, CompanyQuery query) override {
+        briefs.push_back(query);
+        auto answer = onBrief ? onBrief(query) : Result<SalesBrief>{};
+        co_await gate.pass();
+        co_return answer;
+    }
+    Answer<HandoffResponse> fetchHandoff(QString, CompanyQuery query) override {
+        handoffs.push_back(query);
+        auto answer = onHandoff ? onHandoff(query) : Result<HandoffResponse>{};
+        co_await gate.pass();
+        co_return answer;
+    }
+    Answer<TimelineResponse> fetchTimeline(QString, std::optional<QString> companyId, std::optional<QString> contactId,
+                                           int daysBack) override {
+        timelines.push_back({companyId, contactId, daysBack});
+        auto answer = onTimeline ? onTimeline() : Result<TimelineResponse>{};
+        co_await gate.pass();
+        co_return answer;
     }
 
     QStringList tokens;  ///< One a request for meetings.
     int lastMaxResults = 0;
     std::function<Meetings()> respond;  ///< Without it there are no meetings.
+
+    // What was asked, and what is answered; the answer is made when the question comes.
+    std::vector<Search> searches;
+    std::vector<CompanyQuery> briefs;
+    std::vector<CompanyQuery> handoffs;
+    std::vector<Timeline> timelines;
+    std::function<Result<std::vector<ResolvedCompany>>(const QString&)> onSearch;
+    std::function<Result<SalesBrief>(const CompanyQuery&)> onBrief;
+    std::function<Result<HandoffResponse>(const CompanyQuery&)> onHandoff;
+    std::function<Result<TimelineResponse>()> onTimeline;
+
+    /// Holds every answer back.
     Gate gate;
 };
 
