@@ -401,11 +401,13 @@ private:
             entry.id = record.id;
             entry.createdDate = record.createdDate;
             entry.durationSecs = record.durationSecs;
+            entry.turns = record.turns;
             entry.meddicScore = static_cast<std::int8_t>(record.meddic().score());
             std::ranges::copy(record.meddic().values(), entry.meddicCriteriaMet);
             entry.wasTrainMode = record.wasTrainMode;
             entry.audience = record.audience();
             entry.companyName = record.companyName;
+            entry.scenario = record.scenario;
         }
         std::ranges::sort(*entries, std::ranges::greater{}, &SessionIndexEntry::createdDate);
         return entries;

@@ -17,11 +17,15 @@ struct SessionIndexEntry {
     QUuid id;
     WallTime createdDate{};
     std::int64_t durationSecs = 0;
+    std::int64_t turns = 0;
     std::int8_t meddicScore = 0;
     bool meddicCriteriaMet[meddicCriteria] = {};
     bool wasTrainMode = false;
     AudienceType audience = AudienceType::directSale;
     std::optional<QString> companyName;
+    std::optional<QString> scenario;
+
+    bool operator==(const SessionIndexEntry&) const = default;
 };
 
 /// The record store. Callable from any thread that has an executor; work runs on the store's own

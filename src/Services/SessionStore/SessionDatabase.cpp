@@ -312,13 +312,19 @@ std::expected<SessionStoreProtocol::CallIds, StoreError> SessionDatabase::readCa
 std::expected<std::vector<StoredIndexEntry>, StoreError> SessionDatabase::readIndex() {
     return guarded([&] {
         std::vector<StoredIndexEntry> entries;
-        // A score has 64 forms and a seller a few hundred companies: each is decoded and kept once.
+        // A score has 64 forms and a seller a few hundred companies and scenarios: each is decoded and kept once.
         QHash<QByteArray, MeddicScore> scores;
-        QHash<QByteArray, QString> companies;
+        QHash<QByteArray, QString> texts;
+        const auto kept = [&texts](QByteArrayView bytes) {
+            auto text = texts.constFind(lookUp(bytes));
+            if (text == texts.constEnd())
+                text = texts.insert(bytes.toByteArray(), textFromUtf8(bytes));
+            return *text;
+        };
         SQLite::Statement statement{
             *m_database,
-            "SELECT rowid, id, createdDate, durationSecs, meddicData, wasTrainMode, companyName, audienceRaw"
-            " FROM SessionRecord INDEXED BY SessionRecordIndex ORDER BY createdDate DESC, rowid DESC"};
+            "SELECT rowid, id, createdDate, durationSecs, turns, meddicData, scenario, wasTrainMode, companyName,"
+            " audienceRaw FROM SessionRecord INDEXED BY SessionRecordHistory ORDER BY createdDate DESC, rowid DESC"};
         while (statement.executeStep()) {
             RowReader row{statement};
             StoredIndexEntry stored{.inserted = row.number()};
@@ -326,18 +332,17 @@ std::expected<std::vector<StoredIndexEntry>, StoreError> SessionDatabase::readIn
             entry.id = row.id();
             entry.createdDate = row.date();
             entry.durationSecs = row.number();
+            entry.turns = row.number();
             const auto meddicData = row.view();
             auto score = scores.constFind(lookUp(meddicData));
             if (score == scores.constEnd())
                 score = scores.insert(meddicData.toByteArray(), decodeMeddicScore(meddicData).value_or(MeddicScore{}));
             setCriteria(entry, *score);
+            if (const auto scenario = row.optionalView())
+                entry.scenario = kept(*scenario);
             entry.wasTrainMode = row.number() != 0;
-            if (const auto company = row.optionalView()) {
-                auto name = companies.constFind(lookUp(*company));
-                if (name == companies.constEnd())
-                    name = companies.insert(company->toByteArray(), textFromUtf8(*company));
-                entry.companyName = *name;
-            }
+            if (const auto company = row.optionalView())
+                entry.companyName = kept(*company);
             if (const auto audience = row.optionalView())
                 entry.audience = audienceType({audience->data(), static_cast<std::size_t>(audience->size())})
                                      .value_or(AudienceType::directSale);
@@ -353,10 +358,12 @@ SessionIndexEntry indexEntry(const SessionRecord& record) {
     entry.id = record.id;
     entry.createdDate = record.createdDate;
     entry.durationSecs = record.durationSecs;
+    entry.turns = record.turns;
     setCriteria(entry, record.meddic());
     entry.wasTrainMode = record.wasTrainMode;
     entry.audience = record.audience();
     entry.companyName = record.companyName;
+    entry.scenario = record.scenario;
     return entry;
 }
 

@@ -12,8 +12,10 @@ namespace {
 // Everything that the history keeps in memory: the transcripts, which make up the bulk of a store,
 // stand before some of these columns in a row, and would have to be read on the way to them.
 constexpr const char* createIndex =
-    "CREATE INDEX IF NOT EXISTS SessionRecordIndex ON SessionRecord"
-    " (createdDate, id, durationSecs, meddicData, wasTrainMode, companyName, audienceRaw)";
+    "CREATE INDEX IF NOT EXISTS SessionRecordHistory ON SessionRecord"
+    " (createdDate, id, durationSecs, turns, meddicData, scenario, wasTrainMode, companyName, audienceRaw)";
+// Its forerunner lacks some of the columns.
+constexpr const char* dropOldIndex = "DROP INDEX IF EXISTS SessionRecordIndex";
 
 // Stands behind the transcripts in a row, too.
 constexpr const char* createCallIdIndex = "CREATE INDEX IF NOT EXISTS SessionRecordCallIds ON SessionRecord (callId)";
@@ -66,7 +68,7 @@ SchemaState schemaState(SQLite::Database& database, int version) {
     }
     SQLite::Statement indexes{database,
                               "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name IN"
-                              " ('SessionRecordIndex', 'SessionRecordCallIds')"};
+                              " ('SessionRecordHistory', 'SessionRecordCallIds')"};
     constexpr int indexCount = 2;
     const bool hasIndexes = indexes.executeStep() && indexes.getColumn(0).getInt() == indexCount;
     isComplete = isComplete && hasIndexes && database.execAndGet("PRAGMA user_version").getInt() == version;
@@ -85,6 +87,7 @@ void completeSchema(SQLite::Database& database, int version) {
     for (const auto& column : sessionColumns)
         if (!present.empty() && !present.contains(column.name))
             database.exec("ALTER TABLE SessionRecord ADD COLUMN " + definition(column));
+    database.exec(dropOldIndex);
     database.exec(createIndex);
     database.exec(createCallIdIndex);
     database.exec("PRAGMA user_version = " + std::to_string(version));

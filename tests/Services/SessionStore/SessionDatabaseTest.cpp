@@ -293,21 +293,21 @@ TEST_F(SessionDatabaseTest, theIndexHoldsWhatTheHistoryShows) {
     EXPECT_TRUE(entry.wasTrainMode);
     EXPECT_EQ(entry.audience, AudienceType::coldCall);
     EXPECT_EQ(entry.companyName, full.companyName);
-    EXPECT_EQ(expected.id, entry.id);
-    EXPECT_EQ(expected.meddicScore, entry.meddicScore);
-    EXPECT_EQ(expected.companyName, entry.companyName);
-    EXPECT_EQ(expected.audience, entry.audience);
+    EXPECT_EQ(entry.turns, full.turns);
+    EXPECT_EQ(entry.scenario, full.scenario);
+    EXPECT_EQ(expected, entry);
 }
 
 TEST_F(SessionDatabaseTest, readingTheIndexNeverTouchesTheTable) {
     make();
     SQLite::Database database{path().toStdString()};
     SQLite::Statement plan{database,
-                           "EXPLAIN QUERY PLAN SELECT rowid, id, createdDate, durationSecs, meddicData, wasTrainMode,"
-                           " companyName, audienceRaw FROM SessionRecord INDEXED BY SessionRecordIndex"
+                           "EXPLAIN QUERY PLAN SELECT rowid, id, createdDate, durationSecs, turns, meddicData,"
+                           " scenario, wasTrainMode, companyName, audienceRaw"
+                           " FROM SessionRecord INDEXED BY SessionRecordHistory"
                            " ORDER BY createdDate DESC, rowid DESC"};
     ASSERT_TRUE(plan.executeStep());
-    EXPECT_NE(plan.getColumn(3).getString().find("USING COVERING INDEX SessionRecordIndex"), std::string::npos)
+    EXPECT_NE(plan.getColumn(3).getString().find("USING COVERING INDEX SessionRecordHistory"), std::string::npos)
         << plan.getColumn(3).getString();
 }
 
@@ -373,13 +373,21 @@ TEST_F(SessionDatabaseTest, tellsWhichCallsItsRecordsAreOf) {
 TEST_F(SessionDatabaseTest, aStoreWithoutAnIndexGetsItAndKeepsItsRecords) {
     const auto full = fullRecord();
     ASSERT_TRUE(SessionDatabase::open(path()).value()->write(std::span{&full, 1}));
-    for (const char* index : {"SessionRecordCallIds", "SessionRecordIndex"}) {
+    for (const char* index : {"SessionRecordCallIds", "SessionRecordHistory"}) {
         execute(std::string{"DROP INDEX "} + index);
         auto database = SessionDatabase::open(path()).value();
         EXPECT_EQ(database->readCallIds({u"c-1"_s}).value().known, QSet{u"c-1"_s});
         EXPECT_EQ(database->readIndex().value().size(), 1U);
         EXPECT_EQ(database->read(full.id).value(), full);
     }
+}
+
+TEST_F(SessionDatabaseTest, theForerunnerOfTheHistorysIndexIsReplaced) {
+    const auto full = fullRecord();
+    ASSERT_TRUE(SessionDatabase::open(path()).value()->write(std::span{&full, 1}));
+    execute("DROP INDEX SessionRecordHistory; CREATE INDEX SessionRecordIndex ON SessionRecord (createdDate, id)");
+    EXPECT_EQ(SessionDatabase::open(path()).value()->readIndex().value().front().entry, indexEntry(full));
+    EXPECT_EQ(ask("SELECT count(*) FROM sqlite_master WHERE name = 'SessionRecordIndex'"), "0");
 }
 
 }  // namespace corvellan
