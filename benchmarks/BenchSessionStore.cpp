@@ -8,6 +8,8 @@
 #include "Services/SessionStore/SessionDatabase.h"
 #include "Services/SessionStore/SessionIndex.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
+#include "Views/History/DateSections.h"
+#include "Views/History/SessionStatistics.h"
 
 using namespace Qt::StringLiterals;
 
@@ -113,13 +115,14 @@ void stepThroughIndexWithSqlite(benchmark::State& state) {
     sqlite3_open(Ground::get().path().toUtf8().constData(), &database);
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v2(database,
-                       "SELECT rowid, id, createdDate, durationSecs, meddicData, wasTrainMode, companyName, audienceRaw"
-                       " FROM SessionRecord INDEXED BY SessionRecordIndex ORDER BY createdDate DESC, rowid DESC",
+                       "SELECT rowid, id, createdDate, durationSecs, turns, meddicData, scenario, wasTrainMode,"
+                       " companyName, audienceRaw"
+                       " FROM SessionRecord INDEXED BY SessionRecordHistory ORDER BY createdDate DESC, rowid DESC",
                        -1, &statement, nullptr);
     for (auto _ : state) {
         int rows = 0;
         while (sqlite3_step(statement) == SQLITE_ROW) {
-            for (int column = 0; column < 8; ++column)
+            for (int column = 0; column < 10; ++column)
                 benchmark::DoNotOptimize(sqlite3_column_blob(statement, column));
             ++rows;
         }
@@ -248,6 +251,59 @@ void copyIndex(benchmark::State& state) {
         benchmark::DoNotOptimize(std::vector<SessionIndexEntry>{*index.picture()});
 }
 
+constexpr std::int64_t newestDate = 1'600'000'000 + records;
+constexpr std::int64_t monthSecs = 30 * 86'400;
+
+/// What a change of the filters costs the history, before anything is drawn.
+void filterAndStatistics(benchmark::State& state) {
+    SessionIndex index;
+    index.assign(SessionDatabase::open(Ground::get().path()).value()->readIndex().value());
+    const auto picture = index.picture();
+    const CalendarDays days{{"de_DE", u"Europe/Berlin"_s}};
+    // Records are a second apart: all of them are of the last 30 days.
+    const WallTime now{std::chrono::seconds{newestDate}};
+    for (auto _ : state) {
+        const auto places = filteredRecords(*picture, FilterMode::live, cutoff(TimeRange::month, now, days));
+        if (SessionStatistics::of(*picture, places).sessions < records)
+            state.SkipWithError("the filter lost records");
+    }
+}
+
+void filterAndStatisticsWithSqlite(benchmark::State& state) {
+    sqlite3* database = nullptr;
+    sqlite3_open(Ground::get().path().toUtf8().constData(), &database);
+    sqlite3_stmt* statement = nullptr;
+    const auto query =
+        u"SELECT count(*), sum(durationSecs), sum(meddicData ->> '$.metrics'), sum(meddicData ->> '$.economic_buyer'),"
+        " sum(meddicData ->> '$.decision_criteria'), sum(meddicData ->> '$.decision_process'),"
+        " sum(meddicData ->> '$.identify_pain'), sum(meddicData ->> '$.champion')"
+        " FROM SessionRecord INDEXED BY SessionRecordHistory WHERE createdDate >= %1 AND wasTrainMode = 0"_s
+            .arg((newestDate - monthSecs) * 1000)
+            .toUtf8();
+    if (sqlite3_prepare_v2(database, query.constData(), -1, &statement, nullptr) != SQLITE_OK)
+        state.SkipWithError(sqlite3_errmsg(database));
+    for (auto _ : state) {
+        if (sqlite3_step(statement) != SQLITE_ROW || sqlite3_column_int64(statement, 0) < records)
+            state.SkipWithError("the query lost records");
+        sqlite3_reset(statement);
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+}
+
+/// The records grouped by day, as the list shows them.
+void groupByDay(benchmark::State& state) {
+    constexpr std::int64_t perDay = 30;
+    std::vector<SessionIndexEntry> entries(records);
+    const WallTime now{std::chrono::seconds{newestDate}};
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        entries[i].createdDate = now - std::chrono::seconds{static_cast<std::int64_t>(i) * 86'400 / perDay};
+    const CalendarDays days{{"de_DE", u"Europe/Berlin"_s}};
+    const auto places = filteredRecords(entries, FilterMode::all, std::nullopt);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(groupedSections(entries, places, now, days));
+}
+
 }  // namespace
 
 BENCHMARK(openFile)->Name("StoreOpen/ours/100000")->Unit(benchmark::kMicrosecond);
@@ -257,6 +313,11 @@ BENCHMARK(stepThroughIndexWithSqlite)->Name("StoreIndexLoad/peer:SQLite alone/10
 BENCHMARK(openToFirstNotice)->Name("StoreOpenToFirstNotice/ours/100000")->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(putIntoIndex)->Name("StoreIndexPut/ours/100000")->Unit(benchmark::kMicrosecond);
 BENCHMARK(copyIndex)->Name("StoreIndexPut/peer:copy of the entries/100000")->Unit(benchmark::kMicrosecond);
+BENCHMARK(filterAndStatistics)->Name("HistoryFilterAndStatistics/ours/100000")->Unit(benchmark::kMillisecond);
+BENCHMARK(filterAndStatisticsWithSqlite)
+    ->Name("HistoryFilterAndStatistics/peer:one SQLite query/100000")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(groupByDay)->Name("HistoryGroupByDay/ours/100000")->Unit(benchmark::kMillisecond);
 // Last, since they make the store grow; few times, so that it stays about as large.
 constexpr int imports = 5;
 BENCHMARK(importHistory)

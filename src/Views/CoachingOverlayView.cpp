@@ -7,6 +7,7 @@
 
 #include "Base/Text.h"
 #include "HandoffWindowController.h"
+#include "MeddicLabels.h"
 #include "Theme.h"
 #include "ViewModels/SessionViewModel.h"
 
@@ -20,12 +21,6 @@ namespace {
 constexpr std::array shownStages{
     CallStage::opening,     CallStage::discovery,         CallStage::qualification, CallStage::demo,
     CallStage::negotiation, CallStage::objectionHandling, CallStage::closing,
-};
-
-/// The overlay's own short forms: one differs from the criteria's display names.
-constexpr std::array<QLatin1StringView, meddicCriteria> checklistLabels{
-    QLatin1StringView{"Metrics"},          QLatin1StringView{"Economic Buyer"}, QLatin1StringView{"Decision Criteria"},
-    QLatin1StringView{"Decision Process"}, QLatin1StringView{"Pain"},           QLatin1StringView{"Champion"},
 };
 
 QString rawText(std::string_view raw) {
@@ -275,7 +270,7 @@ void CoachingOverlayView::updateChecklist() {
     std::vector<FixedRowsModel::Row> rows;
     for (std::size_t i = 0; i < criteria.size(); ++i) {
         const bool isMet = criteria[i];
-        const QString name = checklistLabels[i];
+        const QString name = meddicLabels[i];
         const QString quote = evidence[i] ? u"— "_s + onOneLine(*evidence[i]) : QString{};
         const QString spoken = name + (isMet ? u": confirmed "_s : u": open "_s) + quote;
         rows.push_back({isMet ? u"✓"_s : u"✗"_s, isMet ? paint(ColorRole::green) : paint(ColorRole::white, 0.2), name,
