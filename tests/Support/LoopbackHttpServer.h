@@ -72,6 +72,12 @@ public:
         respond = [bytes = reply(status, body)](const Request&) { return bytes; };
     }
 
+    /// Answers, late, what was met with silence.
+    void answerHeld(const QByteArray& bytes) {
+        for (QTcpSocket* const socket : std::exchange(m_held, {}))
+            socket->write(bytes);
+    }
+
     QList<Request> requests;
 
 private:
@@ -115,7 +121,10 @@ private:
         request.body = client.received.sliced(end + separator, size);
         client.received.remove(0, end + separator + size);
         requests.append(request);
-        client.socket->write(respond(request));
+        const QByteArray bytes = respond(request);
+        if (bytes.isEmpty())
+            m_held.emplace_back(client.socket.get());
+        client.socket->write(bytes);
         client.socket->flush();
         return true;
     }
@@ -123,6 +132,7 @@ private:
     std::unique_ptr<QTcpServer> m_server;
     QString m_scheme;
     std::vector<std::unique_ptr<Client>> m_clients;
+    std::vector<QTcpSocket*> m_held;  ///< Of the clients above, which stay.
 };
 
 }  // namespace corvellan::test
