@@ -1,5 +1,6 @@
 #include "CallBook.h"
 
+#include <algorithm>
 #include <QJsonArray>
 
 #include "Base/Iso8601.h"
@@ -41,10 +42,24 @@ CallRecord& CallBook::add(CallRecord call) {
 }
 
 CallRecord* CallBook::find(const QString& callId) {
-    for (auto& call : m_calls)
-        if (call.callId == callId)
-            return &call;
-    return nullptr;
+    const QString key = callId.toLower();
+    const auto found = std::ranges::find(m_calls, key, &CallRecord::callId);
+    return found == m_calls.end() ? nullptr : &*found;
+}
+
+const CallRecord* CallBook::findSession(const QString& sessionId) const {
+    const auto found = std::ranges::find(m_calls, sessionId, &CallRecord::sessionId);
+    return found == m_calls.end() ? nullptr : &*found;
+}
+
+void CallBook::addFeedback(CallRecord& call, CallRecord::Feedback feedback) {
+    if (call.feedback.size() >= mostFeedback)
+        call.feedback.erase(call.feedback.begin());
+    call.feedback.push_back(std::move(feedback));
+}
+
+void CallBook::setOutcome(CallRecord& call, CallOutcome outcome) {
+    call.outcome = outcome;
 }
 
 QJsonObject listedCall(const CallRecord& call) {

@@ -41,8 +41,15 @@ class CallBook {
 public:
     CallRecord& add(CallRecord call);
 
-    /// Null when there is none.
+    /// By the call's own id, in either case. Null when there is none.
     [[nodiscard]] CallRecord* find(const QString& callId);
+    /// By the session that the call is or was. Null when there is none.
+    [[nodiscard]] const CallRecord* findSession(const QString& sessionId) const;
+
+    /// Only so many of the newest ratings of a call are kept.
+    static constexpr std::size_t mostFeedback = 100;
+    void addFeedback(CallRecord& call, CallRecord::Feedback feedback);
+    void setOutcome(CallRecord& call, CallOutcome outcome);
 
     [[nodiscard]] const std::deque<CallRecord>& calls() const { return m_calls; }
 

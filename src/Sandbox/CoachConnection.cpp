@@ -79,13 +79,14 @@ void CoachConnection::take(const QByteArray& frame) {
                    [&](const ClientMsg::SetOutcome& message) {
                        if (!needsSession(u"set_outcome"_s))
                            return;
-                       m_call->outcome = message.outcome;
+                       m_context.calls.setOutcome(*m_call, message.outcome);
                        note(u"outcome %1"_s.arg(tableText(rawValue(message.outcome))));
                    },
                    [&](const ClientMsg::SubmitFeedback& message) {
                        if (!needsSession(u"submit_feedback"_s))
                            return;
-                       m_call->feedback.push_back(
+                       m_context.calls.addFeedback(
+                           *m_call,
                            {.rating = message.rating, .note = message.note, .featureRequest = message.featureRequest});
                        note(u"feedback %1"_s.arg(message.rating));
                    },

@@ -21,6 +21,10 @@ public:
     CoachConnection(std::unique_ptr<QWebSocket> socket, int number, const CoachContext& context, QObject* parent);
     ~CoachConnection() override;
 
+    /// No session runs or ran on it.
+    [[nodiscard]] bool isListening() const { return m_state == State::waiting; }
+    void tell(const ServerMsg& message) { send(message); }
+
 signals:
     void closed();
 

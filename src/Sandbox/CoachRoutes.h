@@ -6,15 +6,25 @@ class QHttpServer;
 
 namespace corvellan::sandbox {
 
+class Admission;
 class CallBook;
+class CustomerBook;
+class EventLog;
 class ProviderServer;
 
-/// The REST side of the coaching server: "/health", "/calls", "/calls/<id>", the feed of new versions with the
-/// page that it leads to, and "/sandbox/audio" for the programs that drive the sandbox. Calls and provider must
-/// outlive the server.
-///
-/// \param feedVersion what the feed announces.
-void addCoachRoutes(QHttpServer& http, const CallBook& calls, const ProviderServer& provider,
-                    const QString& feedVersion);
+/// What the coach's REST side tells of and writes to.
+struct CoachRest {
+    CallBook& calls;
+    const ProviderServer& provider;
+    const CustomerBook& customers;
+    const Admission& admission;
+    const EventLog& log;
+    QString feedVersion;  ///< What the feed of new versions announces.
+};
+
+/// "/health", "/calls", "/calls/<id>" with its "/feedback" and "/outcome", "/scenarios", the feed of new versions
+/// with the page that it leads to, and "/sandbox/audio" for the programs that drive the sandbox. What `rest` refers
+/// to must outlive the server.
+void addCoachRoutes(QHttpServer& http, const CoachRest& rest);
 
 }  // namespace corvellan::sandbox

@@ -6,9 +6,11 @@
 #include <QHostAddress>
 #include <QObject>
 
+#include "Admission.h"
 #include "Base/Error.h"
 #include "CallBook.h"
 #include "Faults.h"
+#include "Models/Protocol.h"
 #include "TokenBook.h"
 
 class QHttpServer;
@@ -34,6 +36,7 @@ struct CoachContext {
     CoachSettings settings;
     TokenBook& tokens;
     CallBook& calls;
+    const Admission& admission;
     const EventLog& log;
     Clock& clock;
 };
@@ -50,6 +53,9 @@ public:
     [[nodiscard]] std::expected<quint16, Error> listen(const QList<QHostAddress>& addresses, quint16 port);
 
     void setProviderPort(quint16 port) { m_context.settings.providerPort = port; }
+
+    /// Tells every client that only listens; how many there are.
+    int tellListeners(const ServerMsg& message);
 
     /// For routes beside "/ws".
     [[nodiscard]] QHttpServer& http() { return *m_http; }

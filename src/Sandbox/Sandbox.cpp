@@ -1,7 +1,9 @@
 #include "Sandbox.h"
 
 #include "CoachRoutes.h"
+#include "FrameRoutes.h"
 #include "Listening.h"
+#include "SensorRoutes.h"
 
 namespace corvellan::sandbox {
 
@@ -28,6 +30,7 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
       m_log(log),
       m_accounts(std::move(options.accounts), clock),
       m_customers(options.customers ? std::move(*options.customers) : CustomerBook::shipped()),
+      m_admission(m_accounts, log),
       m_provider(
           {.texts = std::move(options.texts), .keepAudioFolder = options.keepAudioFolder, .faults = options.faults},
           m_tokens, log),
@@ -35,9 +38,19 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
       m_coach({.settings = {.faults = options.faults, .closeAfter = options.closeAfter, .providerPort = 0},
                .tokens = m_tokens,
                .calls = m_calls,
+               .admission = m_admission,
                .log = log,
                .clock = clock}) {
-    addCoachRoutes(m_coach.http(), m_calls, m_provider, options.feedVersion.value_or(QStringLiteral(SANDBOX_VERSION)));
+    auto& http = m_coach.http();
+    addCoachRoutes(http, {.calls = m_calls,
+                          .provider = m_provider,
+                          .customers = m_customers,
+                          .admission = m_admission,
+                          .log = log,
+                          .feedVersion = options.feedVersion.value_or(QStringLiteral(SANDBOX_VERSION))});
+    const auto tell = [this](const ServerMsg& message) { return m_coach.tellListeners(message); };
+    addSensorRoutes(http, m_sensor, m_customers, tell, m_admission, clock, log);
+    addFrameRoutes(http, m_frames, m_calls, m_admission, clock, log);
 }
 
 std::expected<std::unique_ptr<Sandbox>, Error> Sandbox::start(SandboxOptions options, Clock& clock,

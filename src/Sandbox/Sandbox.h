@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include "AccountBook.h"
+#include "Admission.h"
 #include "Base/Error.h"
 #include "CallBook.h"
 #include "ChatServer.h"
@@ -15,7 +16,9 @@
 #include "CustomerBook.h"
 #include "EventLog.h"
 #include "Faults.h"
+#include "FrameBook.h"
 #include "ProviderServer.h"
+#include "SensorBook.h"
 #include "TokenBook.h"
 #include "WireProxy.h"
 
@@ -69,6 +72,9 @@ private:
     CallBook m_calls;
     AccountBook m_accounts;
     CustomerBook m_customers;
+    Admission m_admission;
+    SensorBook m_sensor;
+    FrameBook m_frames;
     ProviderServer m_provider;
     ChatServer m_chat;
     CoachServer m_coach;

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QSocketNotifier>
 
 #include "Base/Clock.h"
@@ -73,6 +74,8 @@ int show(const std::expected<QString, QString>& result) {
 
 int main(int argc, char** argv) {
     QCoreApplication application{argc, argv};
+    // It takes a WebSocket that was refused for a mistake of this program; the event log tells of it better.
+    QLoggingCategory::setFilterRules(u"qt.httpserver.warning=false"_s);
     const auto command = parseCommandLine(QCoreApplication::arguments().sliced(1));
     if (!command) {
         print(stderr, u"corvellan-sandbox: %1 (--help tells more)\n"_s.arg(command.error()));

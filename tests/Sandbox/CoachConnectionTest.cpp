@@ -1,10 +1,10 @@
-#include "SandboxFixture.h"
+#include "SignedInFixture.h"
 
 namespace corvellan::test {
 
 namespace {
 
-class CoachConnectionTest : public SandboxFixture {};
+class CoachConnectionTest : public SignedInFixture {};
 
 constexpr const char* plainStart =
     R"({"type":"start_session","sim_mode":false,"audience":"direct_sale","game_mode":false})";
@@ -34,7 +34,9 @@ TEST_F(CoachConnectionTest, startsASessionWithATokenAndAnAddressForEachSide) {
 
 TEST_F(CoachConnectionTest, namesTheProviderAtTheHostThatTheClientUsed) {
     start();
-    WireClient client{coachUrl(u"127.0.0.2"_s)};
+    QUrl url = coachUrl(u"127.0.0.2"_s);
+    url.setQuery(u"token="_s + tokenFor());
+    WireClient client{url};
     client.send(plainStart);
     EXPECT_EQ(client.next()[u"openai_realtime_url"_s],
               u"ws://127.0.0.2:%1/v1/realtime?intent=transcription"_s.arg(box->providerPort()));

@@ -16,16 +16,9 @@ struct PlainAnswer {
     QByteArray body;
 };
 
-/// Sends one request over a bare socket and spins the main loop until its answer is there. Follows nothing.
-inline PlainAnswer plainHttp(quint16 port, const QByteArray& method, const QByteArray& target,
-                             const QByteArray& body = {},
-                             const QByteArray& contentType = "application/x-www-form-urlencoded") {
-    TcpClient client{port};
-    QByteArray request = method + ' ' + target + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port) + "\r\n";
-    if (method == "POST")
-        request += "Content-Type: " + contentType + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n";
-    client.send(request + "\r\n" + body);
-
+/// Sends these bytes and spins the main loop until an answer to them is there. Follows nothing.
+inline PlainAnswer plainExchange(TcpClient& client, const QByteArray& request) {
+    client.send(request);
     PlainAnswer answer;
     spinUntil([&] {
         const QByteArray& bytes = client.received();
@@ -45,6 +38,17 @@ inline PlainAnswer plainHttp(quint16 port, const QByteArray& method, const QByte
         return true;
     });
     return answer;
+}
+
+/// Sends one request over a bare socket, as `plainExchange` does.
+inline PlainAnswer plainHttp(quint16 port, const QByteArray& method, const QByteArray& target,
+                             const QByteArray& body = {},
+                             const QByteArray& contentType = "application/x-www-form-urlencoded") {
+    TcpClient client{port};
+    QByteArray request = method + ' ' + target + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port) + "\r\n";
+    if (method == "POST")
+        request += "Content-Type: " + contentType + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n";
+    return plainExchange(client, request + "\r\n" + body);
 }
 
 }  // namespace corvellan::test
