@@ -51,6 +51,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    [[nodiscard]] pid_t processId() const { return m_pid; }
+
     [[nodiscard]] bool isRunning() {
         if (!m_status) {
             int status = 0;

@@ -15,10 +15,12 @@ namespace corvellan::test {
 /// crashes. This process's own windows don't go there: they are for what connects by `name()`.
 class PrivateDisplay {
 public:
-    PrivateDisplay() {
+    /// \param options more of the server's.
+    explicit PrivateDisplay(const std::vector<std::string>& options = {}) {
         // One that may reset does so when its last client goes, under a program that is just coming.
-        const std::vector<std::string> command{"Xvfb",       "-displayfd", "1",   "-screen", "0",
-                                               "640x480x24", "-nolisten",  "tcp", "-noreset"};
+        std::vector<std::string> command{"Xvfb",       "-displayfd", "1",   "-screen", "0",
+                                         "640x480x24", "-nolisten",  "tcp", "-noreset"};
+        command.insert(command.end(), options.begin(), options.end());
         m_server = std::make_unique<ChildProcess>(command, ChildProcess::Environment{}, path("server.log"));
         // The number comes in a line of its own, between whatever else the server has to say.
         if (!spinUntil([this] { return !readNumber().isEmpty() || !m_server->isRunning(); },
@@ -47,6 +49,11 @@ public:
     void run(const std::vector<std::string>& command) {
         if (!ChildProcess{command, environment(), path("run.log")}.finish())
             throw std::runtime_error(command[0] + " failed");
+    }
+
+    /// Starts a program on the display; it ends with what is returned.
+    [[nodiscard]] std::unique_ptr<ChildProcess> start(const std::vector<std::string>& command) {
+        return std::make_unique<ChildProcess>(command, environment(), path("start.log"));
     }
 
 private:

@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include "Platform/Linux/EventWait.h"
+#include "ScreenshotRefused.h"
 
 namespace corvellan {
 
@@ -21,6 +22,10 @@ using Picture = std::expected<QImage, Error>;
 
 std::unexpected<Error> failure(const QString& sentence) {
     return std::unexpected(Error{TransportError{sentence}});
+}
+
+std::unexpected<Error> refusal(const QString& sentence) {
+    return std::unexpected(Error{ScreenshotRefused{sentence}});
 }
 
 QString randomToken() {
@@ -90,12 +95,17 @@ QCoro::Task<Picture> PortalScreenPictures::takePicture(std::stop_token stop) {
             co_return failure(u"The desktop takes no screenshots for programs: %1"_s.arg(watcher.error().message()));
         if (wait.isOver()) {
             bus.send(QDBusMessage::createMethodCall(service, path, u"org.freedesktop.portal.Request"_s, u"Close"_s));
-            co_return std::unexpected(wait.reason(u"The desktop took no screenshot in time."_s));
+            if (stop.stop_requested())
+                co_return std::unexpected(Error::cancelled());
+            co_return refusal(u"The desktop took no screenshot in time."_s);
         }
         co_await wait.next();
     }
+    constexpr uint declined = 1;
+    if (response.code() == declined)
+        co_return refusal(u"The screenshot was not allowed."_s);
     if (response.code() != 0)
-        co_return failure(u"The screenshot was not allowed."_s);
+        co_return failure(u"The desktop took no screenshot."_s);
     if (stop.stop_requested())
         co_return std::unexpected(Error::cancelled());
     const QUrl address{response.results().value(u"uri"_s).toString(), QUrl::StrictMode};

@@ -9,7 +9,8 @@
 
 namespace corvellan {
 
-/// Asks the desktop's screenshot portal, which may ask the user. The file that it leaves behind is removed.
+/// Asks the desktop's screenshot portal, which may ask the user. The file that it leaves behind is removed. A
+/// user who declines or does not answer is told apart as `ScreenshotRefused`.
 class PortalScreenPictures final : public ScreenPictures {
 public:
     /// As long as a user may take to answer the desktop's question.
