@@ -1,10 +1,13 @@
 #include "AppServices.h"
 
+#include <QCoreApplication>
+
 #include "AbsentServices.h"
 #include "Base/Deployment.h"
 #include "Services/Audio/AudioService.h"
 #include "Services/Audio/SystemAudioService.h"
 #include "Services/Auth/AuthService.h"
+#include "Services/ScreenShare/ScreenShareService.h"
 #include "Services/SttService.h"
 #include "Services/WebSocketService.h"
 
@@ -32,7 +35,13 @@ std::unique_ptr<AuthServiceProtocol> AppServices::makeAuth() {
 }
 
 std::unique_ptr<ScreenShareServiceProtocol> AppServices::makeScreenShare() {
-    return std::make_unique<AbsentScreenShareService>();
+    return std::make_unique<ScreenShareService>(
+        ScreenShareService::Environment{.executor = m_parts.network,
+                                        .worker = m_parts.worker,
+                                        .clock = m_parts.clock,
+                                        .http = m_parts.http,
+                                        .captures = m_parts.screenCaptures,
+                                        .ownProcessId = QCoreApplication::applicationPid()});
 }
 
 std::unique_ptr<TtsServiceProtocol> AppServices::makeTts() {

@@ -10,6 +10,7 @@ namespace corvellan {
 class AudioInputs;
 class HttpClientProtocol;
 class LoopbackListeners;
+class ScreenCaptures;
 class WebBrowser;
 
 /// Makes the program's services: counters and latencies of a call go to the side's own part of the
@@ -21,8 +22,10 @@ public:
         Executor& main;
         Executor& live;
         Executor& network;
+        Executor& worker;
         Clock& clock;
         AudioInputs& audioInputs;
+        ScreenCaptures& screenCaptures;
         HttpClientProtocol& http;
         WebBrowser& browser;
         LoopbackListeners& listeners;

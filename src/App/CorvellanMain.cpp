@@ -27,6 +27,7 @@
 #include "Platform/Linux/Permissions/DesktopSettings.h"
 #include "Platform/Linux/Permissions/XdgLoginItems.h"
 #include "Platform/Linux/PulseAudioInputs.h"
+#include "Platform/Linux/Screenshots/MakeScreenCaptures.h"
 #include "Platform/Linux/Screenshots/MakeScreenPictures.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
@@ -77,12 +78,16 @@ struct RealParts {
     BriefingService briefings{http, deployment::chatUrl(), debugLog};
     XdgWebBrowser browser{clock};
     SocketLoopbackListeners listeners;
+    DesktopSession session = DesktopSession::current();
+    std::unique_ptr<ScreenCaptures> screenCaptures = makeScreenCaptures(main, worker.executor(), clock, session, bus);
     AppServices services{AppServices::Parts{
         .main = main,
         .live = live.executor(),
         .network = network.executor(),
+        .worker = worker.executor(),
         .clock = clock,
         .audioInputs = audioInputs,
+        .screenCaptures = *screenCaptures,
         .http = http,
         .browser = browser,
         .listeners = listeners,
@@ -96,7 +101,6 @@ struct RealParts {
     std::unique_ptr<GlobalKeys> globalKeys = makeGlobalKeys(clock);
     DesktopNotifications notifications{bus};
     DesktopActivation activation;
-    DesktopSession session = DesktopSession::current();
     std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session, bus);
     std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);
     PortalAppearance appearance{bus};
