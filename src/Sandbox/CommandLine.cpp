@@ -4,9 +4,11 @@
 #include <iterator>
 #include <QCommandLineParser>
 #include <QFile>
+#include <QHash>
 
 #include "Base/Text.h"
 #include "CallScript.h"
+#include "ExtensionClient.h"
 #include "Recogniser.h"
 #include "UtteranceFinder.h"
 #include "WavFile.h"
@@ -25,7 +27,8 @@ QString helpText() {
            u"  corvellan-sandbox [options]\n"
            u"  corvellan-sandbox script FILE [--lengths FILE] [--list | --json]   print a script\n"
            u"  corvellan-sandbox measure FILE.wav...                              seconds of speech, as --lengths "
-           u"reads\n\n"
+           u"reads\n"
+           u"  corvellan-sandbox extension EVENT [options]                        play the browser extension\n\n"
            u"Where the texts of utterances come from (with neither, each becomes a line with its length):\n"
            u"  --script FILE              a call script, or the name of one that comes along: discovery-call\n"
            u"  --lengths FILE             the measured lengths of its lines, a JSON array of seconds\n"
@@ -45,6 +48,18 @@ QString helpText() {
            u"(3600)\n"
            u"  --code-lifetime S          how long codes hold, in seconds (60)\n"
            u"  --refresh-tokens HOW       rotate: each use brings a new one; keep: one for all; none (rotate)\n\n"
+           u"The browser extension, against the sandbox that runs on this machine:\n"
+           u"  extension call-start       a call begins: the program counts down and starts coaching\n"
+           u"  extension call-end         it is over\n"
+           u"  extension context          the page of this company or contact is open\n"
+           u"  extension disconnect       the extension goes\n"
+           u"  with call-start and context:\n"
+           u"  --company NAME             whom the call is with; known ones bring their numbers along\n"
+           u"  --contact NAME             the person\n"
+           u"  --title TEXT               what the call is called, in place of the contact's name\n"
+           u"  --type TYPE, --id ID       what kind of entry the page shows (company, contact), and its number\n"
+           u"  --hubspot-id ID            the company's number in HubSpot\n"
+           u"  --coach-port N             the running sandbox's (3001)\n\n"
            u"Misbehaviour, each repeatable:\n"
            u"  --fault NAME\n      "_s +
            Faults::help().join(u"\n      "_s) +
@@ -244,12 +259,73 @@ std::expected<Command, QString> parseScript(const QStringList& arguments) {
                          .form = parser.isSet(u"json"_s) ? ScriptCommand::Form::json : ScriptCommand::Form::list};
 }
 
+/// The text of an option, where it is given and is one that a report may carry.
+std::expected<std::optional<QString>, QString> reportText(const QCommandLineParser& parser, const QString& option) {
+    if (!parser.isSet(option))
+        return std::nullopt;
+    QString text = parser.value(option);
+    if (text.trimmed().isEmpty() || text.size() > SensorReport::longestText)
+        return Bad{u"--%1 takes a text of 1 to %2 characters"_s.arg(option).arg(SensorReport::longestText)};
+    return text;
+}
+
+std::expected<Command, QString> parseExtension(const QStringList& arguments) {
+    QCommandLineParser parser;
+    const QStringList texts{u"company"_s, u"contact"_s, u"title"_s, u"type"_s, u"id"_s, u"hubspot-id"_s};
+    for (const auto& name : texts)
+        parser.addOption({name, {}, u"text"_s});
+    parser.addOption({u"coach-port"_s, {}, u"port"_s, u"3001"_s});
+    if (!parser.parse(QStringList{u"corvellan-sandbox extension"_s} + arguments))
+        return Bad{parser.errorText()};
+    const QString event = parser.positionalArguments().value(0);
+    if (parser.positionalArguments().size() != 1)
+        return Bad{u"Usage: corvellan-sandbox extension call-start | call-end | context | disconnect [options]"_s};
+    constexpr qint64 highestPort = 65'535;
+    const auto port = number(parser, u"coach-port"_s, 1, highestPort);
+    if (!port)
+        return Bad{port.error()};
+    QHash<QString, std::optional<QString>> given;
+    bool isAnyGiven = false;
+    for (const auto& name : texts) {
+        const auto text = reportText(parser, name);
+        if (!text)
+            return Bad{text.error()};
+        isAnyGiven = isAnyGiven || text->has_value();
+        given.insert(name, *text);
+    }
+    const auto contact = given[u"contact"_s];
+    const auto either = [](const std::optional<QString>& one, const std::optional<QString>& other) {
+        return one ? one : other;
+    };
+    SensorReport report{
+        .entityType = either(given[u"type"_s], contact ? std::optional{u"contact"_s} : std::nullopt),
+        .entityId = either(given[u"id"_s], contact),
+        .displayName = either(given[u"title"_s], contact),
+        .companyName = given[u"company"_s],
+        .hubspotCompanyId = given[u"hubspot-id"_s],
+    };
+    if (event == u"call-start" || event == u"context") {
+        report.event = event == u"context" ? SensorReport::Event::context : SensorReport::Event::callStart;
+        if (event == u"context" && !isAnyGiven)
+            return Bad{u"extension context needs --company, --contact or another of its options"_s};
+    } else if (event == u"call-end" || event == u"disconnect") {
+        report.event = event == u"call-end" ? SensorReport::Event::callEnd : SensorReport::Event::disconnect;
+        if (isAnyGiven)
+            return Bad{u"extension %1 takes no other option than --coach-port"_s.arg(event)};
+    } else {
+        return Bad{u"The extension reports call-start, call-end, context or disconnect, not \"%1\""_s.arg(event)};
+    }
+    return ExtensionCommand{.report = std::move(report), .coachPort = static_cast<quint16>(*port)};
+}
+
 }  // namespace
 
 std::expected<Command, QString> parseCommandLine(const QStringList& arguments) {
     const QString first = arguments.value(0);
     if (first == u"script"_s)
         return parseScript(arguments.sliced(1));
+    if (first == u"extension"_s)
+        return parseExtension(arguments.sliced(1));
     if (first == u"measure"_s) {
         if (arguments.size() < 2)
             return Bad{u"Usage: corvellan-sandbox measure FILE.wav..."_s};
@@ -263,6 +339,10 @@ std::expected<QString, QString> run(const ScriptCommand& command) {
     if (!script)
         return Bad{script.error()};
     return command.form == ScriptCommand::Form::json ? QString::fromUtf8(script->json()) : script->list();
+}
+
+std::expected<QString, QString> run(const ExtensionCommand& command) {
+    return sendReport(command.report, command.coachPort);
 }
 
 std::expected<QString, QString> run(const MeasureCommand& command) {

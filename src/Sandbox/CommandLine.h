@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "Sandbox.h"
+#include "SensorBook.h"
 
 namespace corvellan::sandbox {
 
@@ -25,11 +26,16 @@ struct ScriptCommand {
 struct MeasureCommand {
     QStringList files;
 };
+/// Play the browser extension against a running sandbox.
+struct ExtensionCommand {
+    SensorReport report;
+    quint16 coachPort = 3001;
+};
 struct HelpCommand {
     QString text;
 };
 
-using Command = std::variant<ServeCommand, ScriptCommand, MeasureCommand, HelpCommand>;
+using Command = std::variant<ServeCommand, ScriptCommand, MeasureCommand, ExtensionCommand, HelpCommand>;
 
 /// \param arguments without the program's name. Reads scripts and their lengths. The error is a sentence
 ///     for the user.
@@ -38,5 +44,7 @@ using Command = std::variant<ServeCommand, ScriptCommand, MeasureCommand, HelpCo
 /// The text to print, or the error.
 [[nodiscard]] std::expected<QString, QString> run(const ScriptCommand& command);
 [[nodiscard]] std::expected<QString, QString> run(const MeasureCommand& command);
+/// Waits for the sandbox's answer, in an event loop.
+[[nodiscard]] std::expected<QString, QString> run(const ExtensionCommand& command);
 
 }  // namespace corvellan::sandbox

@@ -87,6 +87,8 @@ int main(int argc, char** argv) {
         return show(run(*script));
     if (const auto* measure = std::get_if<MeasureCommand>(&*command))
         return show(run(*measure));
+    if (const auto* extension = std::get_if<ExtensionCommand>(&*command))
+        return show(run(*extension));
     print(stdout, std::get<HelpCommand>(*command).text);
     return 0;
 }

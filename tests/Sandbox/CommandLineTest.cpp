@@ -97,12 +97,42 @@ TEST(CommandLineTest, takesAShippedScriptByItsName) {
               u"texts from the script discovery-call, 22 lines, 113 s"_s);
 }
 
+TEST(CommandLineTest, playsTheExtension) {
+    const auto read = [](const QStringList& arguments) {
+        auto command = parseCommandLine(QStringList{u"extension"_s} + arguments);
+        EXPECT_TRUE(command) << command.error().toStdString();
+        return std::get<sandbox::ExtensionCommand>(*command);
+    };
+    const auto plain = read({u"call-start"_s});
+    EXPECT_EQ(plain.coachPort, 3001);
+    EXPECT_EQ(plain.report.json(), (QJsonObject{{u"event"_s, u"call_start"_s}}));
+    EXPECT_EQ(read({u"call-start"_s, u"--company"_s, u"Acme"_s, u"--contact"_s, u"Dana Moor"_s}).report.json(),
+              (QJsonObject{{u"event"_s, u"call_start"_s},
+                           {u"company_name"_s, u"Acme"_s},
+                           {u"display_name"_s, u"Dana Moor"_s},
+                           {u"entity_type"_s, u"contact"_s},
+                           {u"entity_id"_s, u"Dana Moor"_s}}));
+    EXPECT_EQ(read({u"context"_s, u"--contact"_s, u"D"_s, u"--title"_s, u"Demo"_s, u"--id"_s, u"7"_s, u"--type"_s,
+                    u"deal"_s, u"--hubspot-id"_s, u"9"_s})
+                  .report.json(),
+              (QJsonObject{{u"event"_s, u"context"_s},
+                           {u"display_name"_s, u"Demo"_s},
+                           {u"entity_type"_s, u"deal"_s},
+                           {u"entity_id"_s, u"7"_s},
+                           {u"hubspot_company_id"_s, u"9"_s}}));
+    const auto end = read({u"call-end"_s, u"--coach-port"_s, u"4001"_s});
+    EXPECT_EQ(end.report.event, sandbox::SensorReport::Event::callEnd);
+    EXPECT_EQ(end.coachPort, 4001);
+    EXPECT_EQ(read({u"disconnect"_s}).report.event, sandbox::SensorReport::Event::disconnect);
+}
+
 TEST(CommandLineTest, helpsInWords) {
     const auto command = parseCommandLine({u"--help"_s});
     ASSERT_TRUE(command);
     const QString& help = std::get<sandbox::HelpCommand>(*command).text;
-    for (const auto& word : {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"--update"_s,
-                             u"refuse-token"_s, u"half-open"_s, u"close-at-step-N"_s})
+    for (const auto& word :
+         {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"--update"_s, u"--customers"_s,
+          u"extension call-start"_s, u"refuse-token"_s, u"half-open"_s, u"close-at-step-N"_s})
         EXPECT_TRUE(help.contains(word)) << word.toStdString();
 }
 
@@ -136,6 +166,21 @@ INSTANTIATE_TEST_SUITE_P(
                      u"Texts come from --script or from --transcriber, not from both"},
         BadArguments{{u"--lengths"_s, u"x.json"_s}, u"--lengths goes with --script"},
         BadArguments{{u"--script"_s, u"nothing"_s}, u"nothing: cannot read nothing: No such file or directory"},
+        BadArguments{{u"--customers"_s, u"/nowhere"_s},
+                     u"--customers /nowhere: cannot read it: No such file or directory"},
+        BadArguments{{u"extension"_s},
+                     u"Usage: corvellan-sandbox extension call-start | call-end | context | disconnect [options]"},
+        BadArguments{{u"extension"_s, u"dance"_s},
+                     u"The extension reports call-start, call-end, context or disconnect, not \"dance\""},
+        BadArguments{{u"extension"_s, u"context"_s},
+                     u"extension context needs --company, --contact or another of its options"},
+        BadArguments{{u"extension"_s, u"call-end"_s, u"--company"_s, u"A"_s},
+                     u"extension call-end takes no other option than --coach-port"},
+        BadArguments{{u"extension"_s, u"call-start"_s, u"--company"_s, u" "_s},
+                     u"--company takes a text of 1 to 500 characters"},
+        BadArguments{{u"extension"_s, u"call-start"_s, u"--coach-port"_s, u"0"_s},
+                     u"--coach-port takes a number from 1 to 65535, not \"0\""},
+        BadArguments{{u"extension"_s, u"call-start"_s, u"--loud"_s}, u"Unknown option 'loud'."},
         BadArguments{{u"script"_s}, u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"},
         BadArguments{{u"script"_s, u"a"_s, u"--list"_s, u"--json"_s},
                      u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"},

@@ -3,6 +3,7 @@
 #include <QHostAddress>
 #include <QProcess>
 #include <QTcpServer>
+#include <QUrl>
 
 #include "Support/TestLoop.h"
 
@@ -77,6 +78,40 @@ TEST_F(ProgramTest, refusesWrongOptionsWithStatusTwo) {
     EXPECT_EQ(program.exitCode(), 2);
     EXPECT_TRUE(
         QString::fromUtf8(program.readAllStandardError()).startsWith(u"corvellan-sandbox: --coach-port takes"_s));
+}
+
+TEST_F(ProgramTest, playsTheExtensionAgainstARunningOne) {
+    start({u"--coach-port"_s, u"0"_s, u"--chat-port"_s, u"0"_s, u"--stt-port"_s, u"0"_s});
+    ASSERT_TRUE(prints(u"\nready\n"_s));
+    const QString port = QString::number(QUrl{output.section(u'\n', 0, 0).section(u' ', 1)}.port());
+    QProcess extension;
+    extension.start(QStringLiteral(SANDBOX_PROGRAM),
+                    {u"extension"_s, u"call-start"_s, u"--company"_s, u"Northwind"_s, u"--coach-port"_s, port});
+    ASSERT_TRUE(spinUntil([&] { return extension.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(extension.exitCode(), 0) << extension.readAllStandardError().constData();
+    EXPECT_TRUE(extension.readAllStandardOutput().startsWith("Reported."));
+    EXPECT_TRUE(prints(u"call_start at Northwind, 0 listening"_s));
+}
+
+TEST_F(ProgramTest, theExtensionSaysWhenNoSandboxRuns) {
+    // Nothing listens there any more.
+    QTcpServer gone;
+    ASSERT_TRUE(gone.listen(QHostAddress{u"127.0.0.1"_s}));
+    const QString port = QString::number(gone.serverPort());
+    gone.close();
+    start({u"extension"_s, u"call-end"_s, u"--coach-port"_s, port});
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()),
+              u"corvellan-sandbox: no sandbox answers on 127.0.0.1:%1 (Connection refused)\n"_s.arg(port));
+}
+
+TEST_F(ProgramTest, theExtensionRefusesWrongOptionsWithStatusTwo) {
+    start({u"extension"_s, u"call-end"_s, u"--company"_s, u"A"_s});
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(program.exitCode(), 2);
+    EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()),
+              u"corvellan-sandbox: extension call-end takes no other option than --coach-port (--help tells more)\n"_s);
 }
 
 TEST_F(ProgramTest, helps) {
