@@ -12,6 +12,7 @@
 #include "Platform/StatusBar.h"
 #include "Platform/WindowActivation.h"
 #include "Views/HandoffWindowController.h"
+#include "Views/ViewStates.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -139,7 +140,7 @@ void AppDelegate::installKeyMonitors() {
 }
 
 void AppDelegate::showKeyWatch() {
-    m_panel->settings().setGlobalKeyWatch(m_globalHotkeyMonitor->watch(), m_globalHotkeyMonitor->explanation());
+    m_panel->views().settings()->setGlobalKeyWatch(m_globalHotkeyMonitor->watch(), m_globalHotkeyMonitor->explanation());
 }
 
 void AppDelegate::onGlobalKeyDown(const KeyDown& key) {
@@ -168,10 +169,12 @@ void AppDelegate::installCallbacks() {
     m_viewModel->onSessionActiveChanged = [panel](bool isActive) {
         if (!panel)
             return;
-        if (isActive)
+        if (isActive) {
             panel->enterCallMode();
-        else
+            panel->views().live()->applyLayout();
+        } else {
             panel->enterIdleMode();
+        }
     };
     m_viewModel->onStealthChanged = [panel](bool isEnabled) {
         if (panel)

@@ -29,18 +29,20 @@ int TranscriptModel::rowCount(const QModelIndex& parent) const {
 QVariant TranscriptModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const auto& line = m_lines[static_cast<std::size_t>(index.row())];
+    const auto row = static_cast<std::size_t>(index.row());
+    const auto& line = m_lines[row];
     switch (role) {
     case Qt::DisplayRole:
     case textRole: return line.text;
     case sourceRole: return static_cast<int>(line.source);
     case labelRole: return label(line.source);
+    case startsTurnRole: return row > 0 && m_lines[row - 1].source != line.source;
     default: return {};
     }
 }
 
 QHash<int, QByteArray> TranscriptModel::roleNames() const {
-    return {{textRole, "text"}, {sourceRole, "source"}, {labelRole, "label"}};
+    return {{textRole, "text"}, {sourceRole, "source"}, {labelRole, "label"}, {startsTurnRole, "startsTurn"}};
 }
 
 void TranscriptModel::append(TranscriptLine line) {

@@ -33,7 +33,8 @@ class TranscriptModel final : public QAbstractListModel {
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
-    enum Role { textRole = Qt::UserRole + 1, sourceRole, labelRole };
+    /// `startsTurn`: somebody else said the line before.
+    enum Role { textRole = Qt::UserRole + 1, sourceRole, labelRole, startsTurnRole };
 
     using QAbstractListModel::QAbstractListModel;
 

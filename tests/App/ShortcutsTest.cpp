@@ -2,6 +2,7 @@
 #include <QQuickItem>
 
 #include "AppFixture.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -114,9 +115,9 @@ TEST_F(ShortcutsTest, spacePassesToTheFocusedControlWhenNoSpeechPlays) {
 }
 
 TEST_F(ShortcutsTest, theSettingsTellWhetherTheGlobalShortcutWorks) {
-    EXPECT_EQ(panel().settings().hotkeyNotice(), QString{}) << "it is watched, and there is nothing to say";
+    EXPECT_EQ(panel().views().settings()->hotkeyNotice(), QString{}) << "it is watched, and there is nothing to say";
     desktop.keys.setWatch(GlobalKeyWatch::unavailable, u"The desktop refused"_s);
-    EXPECT_EQ(panel().settings().hotkeyNotice(), u"The desktop refused"_s);
+    EXPECT_EQ(panel().views().settings()->hotkeyNotice(), u"The desktop refused"_s);
 }
 
 TEST_F(ShortcutsTest, theGlobalMonitorGoesAfterTheLocalOne) {

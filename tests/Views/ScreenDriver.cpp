@@ -19,57 +19,25 @@ std::string word(const QString& text) {
 
 }  // namespace
 
-class CountingUpdater final : public UpdaterProtocol {
-public:
-    void checkForUpdates() override { ++checks; }
-    int checks = 0;
-};
-
 struct ScreenDriver::World {
-    CountingUpdater updater;
+    FakeUpdater updater;
     SessionFixture fixture;
     FakeHandoffWindow handoffWindow;
-    CoachingOverlayView overlay{fixture.session(), handoffWindow};
-    IdleView idle{fixture.session()};
     SettingsFixture desktop{fixture.preferences};
-    SettingsView settings{fixture.session(), fixture.preferences, desktop.parts()};
-    Theme theme;
-    Theme callTheme;
-    MainView main{fixture.session(), theme};
     FakeDesktopHiding hiding;
-    StealthView stealth{fixture.session(), hiding};
+    ViewStates views{{.session = fixture.session(),
+                      .preferences = fixture.preferences,
+                      .captureHiding = hiding,
+                      .handoffWindowController = handoffWindow,
+                      .settings = desktop.parts()}};
 };
 
 ScreenDriver::ScreenDriver() : m_world(std::make_unique<World>()) {}
 
 ScreenDriver::~ScreenDriver() = default;
 
-QObject* ScreenDriver::overlay() {
-    return &m_world->overlay;
-}
-
-QObject* ScreenDriver::idle() {
-    return &m_world->idle;
-}
-
-QObject* ScreenDriver::main() {
-    return &m_world->main;
-}
-
-QObject* ScreenDriver::stealth() {
-    return &m_world->stealth;
-}
-
-QObject* ScreenDriver::settings() {
-    return &m_world->settings;
-}
-
-QObject* ScreenDriver::theme() {
-    return &m_world->theme;
-}
-
-QObject* ScreenDriver::callTheme() {
-    return &m_world->callTheme;
+QObject* ScreenDriver::views() {
+    return &m_world->views;
 }
 
 SessionViewModel& ScreenDriver::session() {
@@ -185,8 +153,8 @@ void ScreenDriver::setSensor(bool isConnected, const QString& contact, const QSt
 }
 
 void ScreenDriver::setKeyWatch(bool isWatching, const QString& explanation) {
-    m_world->settings.setGlobalKeyWatch(isWatching ? GlobalKeyWatch::watching : GlobalKeyWatch::unavailable,
-                                        explanation);
+    m_world->views.settings()->setGlobalKeyWatch(isWatching ? GlobalKeyWatch::watching : GlobalKeyWatch::unavailable,
+                                                 explanation);
 }
 
 void ScreenDriver::setPermissions(const QString& microphone, bool canSeeScreen) {
@@ -220,7 +188,7 @@ void ScreenDriver::provideUpdater() {
 }
 
 void ScreenDriver::setDark(bool isDark) {
-    m_world->theme.setIsDark(isDark);
+    m_world->views.theme()->setIsDark(isDark);
 }
 
 void ScreenDriver::requestTab(const QString& tab) {
@@ -279,7 +247,8 @@ QVariantMap ScreenDriver::spoken(QObject* item) const {
             {QStringLiteral("description"), accessible->text(QAccessible::Description)},
             {QStringLiteral("role"), QVariant::fromValue(static_cast<int>(accessible->role()))},
             {QStringLiteral("isCheckable"), static_cast<bool>(accessible->state().checkable)},
-            {QStringLiteral("isChecked"), static_cast<bool>(accessible->state().checked)}};
+            {QStringLiteral("isChecked"), static_cast<bool>(accessible->state().checked)},
+            {QStringLiteral("isSelected"), static_cast<bool>(accessible->state().selected)}};
 }
 
 bool ScreenDriver::isSessionActive() {
@@ -316,6 +285,43 @@ bool ScreenDriver::pressThroughAccessibility(QObject* item) {
         return false;
     accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     return true;
+}
+
+void ScreenDriver::offerUpdate() {
+    session().setUpdateAvailable(true);
+}
+
+void ScreenDriver::setElapsed(int seconds) {
+    session().setElapsedSeconds(seconds);
+}
+
+void ScreenDriver::setMicrophoneLevel(double level) {
+    session().setAudioLevel(static_cast<float>(level));
+}
+
+void ScreenDriver::setSystemLevel(double level) {
+    session().setSystemAudioLevel(static_cast<float>(level));
+}
+
+void ScreenDriver::say(int source, const QString& text) {
+    session().transcriptLines().append(
+        {.id = QUuid::createUuid(), .source = static_cast<TranscriptSource>(source), .text = text});
+}
+
+void ScreenDriver::setStreaming(const QString& text) {
+    session().setCounterpartStreamingText(text);
+}
+
+void ScreenDriver::setWaiting(bool isWaiting) {
+    session().setTrainStage(isWaiting ? TrainStage::waitingLLM : TrainStage::listening);
+}
+
+void ScreenDriver::setBuyer(const QString& type) {
+    session().setBuyerDisc({.discType = discType(word(type)).value(), .confidence = DiscConfidence::high});
+}
+
+void ScreenDriver::useProductionServer() {
+    session().setServerURL(QStringLiteral("wss://coach.test/ws"));
 }
 
 }  // namespace corvellan::test

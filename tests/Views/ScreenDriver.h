@@ -8,37 +8,21 @@
 #include "FakeHandoffWindow.h"
 #include "Support/SessionFixture.h"
 #include "Support/SettingsFixture.h"
-#include "Views/CoachingOverlayView.h"
-#include "Views/IdleView.h"
-#include "Views/MainView.h"
-#include "Views/SettingsView.h"
-#include "Views/StealthView.h"
-#include "Views/Theme.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
 /// Gives QML tests view states over a session of fakes, and the hand to change what they show.
 class ScreenDriver : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QObject* overlay READ overlay NOTIFY madeAnew)
-    Q_PROPERTY(QObject* idle READ idle NOTIFY madeAnew)
-    Q_PROPERTY(QObject* main READ main NOTIFY madeAnew)
-    Q_PROPERTY(QObject* stealth READ stealth NOTIFY madeAnew)
-    Q_PROPERTY(QObject* settings READ settings NOTIFY madeAnew)
-    Q_PROPERTY(QObject* theme READ theme NOTIFY madeAnew)
-    Q_PROPERTY(QObject* callTheme READ callTheme NOTIFY madeAnew)
+    /// What the window's content is handed.
+    Q_PROPERTY(QObject* views READ views NOTIFY madeAnew)
 
 public:
     ScreenDriver();
     ~ScreenDriver() override;
 
-    [[nodiscard]] QObject* overlay();
-    [[nodiscard]] QObject* idle();
-    [[nodiscard]] QObject* main();
-    [[nodiscard]] QObject* stealth();
-    [[nodiscard]] QObject* settings();
-    [[nodiscard]] QObject* theme();
-    [[nodiscard]] QObject* callTheme();
+    [[nodiscard]] QObject* views();
 
     /// Forgets everything; call before the screens of a test are made.
     Q_INVOKABLE void reset();
@@ -78,6 +62,16 @@ public:
     Q_INVOKABLE void refuseLoginItems();
     Q_INVOKABLE void setLoginItem(bool isRegistered);
     Q_INVOKABLE void provideUpdater();
+    Q_INVOKABLE void offerUpdate();
+    Q_INVOKABLE void setElapsed(int seconds);
+    Q_INVOKABLE void setMicrophoneLevel(double level);
+    Q_INVOKABLE void setSystemLevel(double level);
+    /// \param source 0 for the user, 1 for the other party, 2 for the coach.
+    Q_INVOKABLE void say(int source, const QString& text);
+    Q_INVOKABLE void setStreaming(const QString& text);
+    Q_INVOKABLE void setWaiting(bool isWaiting);
+    Q_INVOKABLE void setBuyer(const QString& type);
+    Q_INVOKABLE void useProductionServer();
     Q_INVOKABLE void setDark(bool isDark);
     Q_INVOKABLE void requestTab(const QString& tab);
     /// What is stored under `key`, as text; undefined when nothing is.

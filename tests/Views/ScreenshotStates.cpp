@@ -182,6 +182,50 @@ void longTexts(SessionViewModel& session) {
         "goes on listening to the other side, and nothing that was said is lost from the record of this call"_s);
 }
 
+void conversation(SessionViewModel& session) {
+    typicalCall(session);
+    session.setElapsedSeconds(754);
+    session.setAudioLevel(0.46F);
+    session.setSystemAudioLevel(0.12F);
+    constexpr std::array lines{
+        std::pair{TranscriptSource::mic, u"Hi Tom, this is Anna from Fernhill. Thanks for taking the time today."},
+        std::pair{TranscriptSource::system, u"Hello Anna. I only have a few minutes, so please keep it brief."},
+        std::pair{TranscriptSource::mic, u"Of course."},
+        std::pair{TranscriptSource::mic, u"What does an outage cost you today?"},
+        std::pair{TranscriptSource::system, u"Forty thousand euros, three times last quarter."},
+        std::pair{TranscriptSource::coach, u"Ask who signs off on the budget"},
+    };
+    for (const auto& [source, text] : lines)
+        session.transcriptLines().append({.source = source, .text = QString::fromUtf16(text)});
+    session.setCounterpartStreamingText(u"And that is before the fines that"_s);
+}
+
+States sessionLayoutStates() {
+    States states;
+    for (const double scale : {1.0, 1.5, 2.0})
+        for (const auto& [layout, presses] : {std::pair{u"full"_s, 0}, {u"coach"_s, 1}, {u"mini"_s, 2}}) {
+            ScreenshotState state{.name = u"session-%1-%2"_s.arg(layout, QString::number(scale, 'f', 1)),
+                                  .prepare = conversation,
+                                  .company = u"Nordwind Logistics GmbH"_s,
+                                  .fontScale = scale};
+            state.layoutPresses = presses;
+            if (presses == 0)
+                state.layout = layout;
+            states.push_back(state);
+        }
+    ScreenshotState empty{.name = u"session-empty"_s,
+                          .prepare = [](auto& session) { session.setStatusText(u"Listening..."_s); }};
+    ScreenshotState training{.name = u"session-training"_s, .prepare = [](auto& session) {
+                                 conversation(session);
+                                 session.setIsTtsPlaying(true);
+                                 session.setTrainStage(TrainStage::waitingLLM);
+                                 session.setErrorMessage(u"Microphone transcription stopped: connection lost"_s);
+                                 session.setCachedHandoff(HandoffResponse{.handoffNote = u"# Nordwind"_s});
+                             }};
+    states.insert(states.end(), {empty, training});
+    return states;
+}
+
 States layoutStates() {
     States states;
     for (const double scale : {1.0, 1.5, 2.0}) {
@@ -314,8 +358,8 @@ States settingsStates() {
 
 std::vector<ScreenshotState> screenshotStates() {
     States all;
-    for (const States& some :
-         {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(), idleStates(), settingsStates()})
+    for (const States& some : {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(),
+                               sessionLayoutStates(), idleStates(), settingsStates()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

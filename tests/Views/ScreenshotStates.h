@@ -20,6 +20,8 @@ struct ScreenshotState {
     bool isCall = true;
     /// The layout that is asked for after the call has begun; absent leaves the call face as it begins.
     std::optional<QString> layout = std::nullopt;
+    /// How often the button that changes the layout is pressed.
+    int layoutPresses = 0;
     bool unfoldsBrief = false;
     /// How often the Tab key is pressed.
     int tabs = 0;

@@ -13,8 +13,8 @@
 #include "ScreenshotStates.h"
 #include "Support/SessionFixture.h"
 #include "Support/SettingsFixture.h"
-#include "Views/CoachingOverlayView.h"
 #include "Views/QuickSetup.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -70,9 +70,11 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     }
     if (state.layout)
         session.setSessionMode(*state.layout);
+    for (int i = 0; i < state.layoutPresses; ++i)
+        panel.views().live()->cycleSessionTab();
     state.prepare(session);
     if (state.unfoldsBrief)
-        panel.overlay().pressCompanyRow();
+        panel.views().overlay()->pressCompanyRow();
     if (state.isSettings)
         session.setRequestedTab(u"settings"_s);
     if (state.size)

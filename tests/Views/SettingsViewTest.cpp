@@ -534,12 +534,6 @@ TEST_F(SettingsViewTest, systemSettingsOpenAtScreenCapture) {
 
 // MARK: - About
 
-class CountingUpdater final : public UpdaterProtocol {
-public:
-    void checkForUpdates() override { ++checks; }
-    int checks = 0;
-};
-
 TEST_F(SettingsViewTest, aboutTellsVersionAndBuild) {
     EXPECT_EQ(SettingsView::aboutText(),
               u"Corvellan Bram — AI sales coach by Teskara. Invisible during screen share, real-time MEDDIC "
@@ -549,7 +543,7 @@ TEST_F(SettingsViewTest, aboutTellsVersionAndBuild) {
 }
 
 TEST_F(SettingsViewTest, updatesAreCheckedByTheUpdaterIfThereIsOne) {
-    CountingUpdater updater;
+    FakeUpdater updater;
     EXPECT_FALSE(view().canCheckForUpdates());
     view().checkForUpdates();
     QSignalSpy changes{&view(), &SettingsView::canCheckForUpdatesChanged};

@@ -10,13 +10,8 @@
 #include "Base/Preferences.h"
 #include "PanelGeometry.h"
 #include "Platform/DesktopAppearance.h"
-#include "Views/CoachingOverlayView.h"
-#include "Views/IdleView.h"
-#include "Views/MainView.h"
 #include "Views/QuickSetup.h"
-#include "Views/SettingsView.h"
-#include "Views/StealthView.h"
-#include "Views/Theme.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan {
 
@@ -37,27 +32,16 @@ constexpr auto settlingTime = 1s;
 
 }  // namespace
 
-/// Declared before use by the scene, so that it outlives it.
-struct StealthPanel::Content {
-    Content(StealthPanel& panel, const Parts& parts)
-        : main(parts.session, theme),
-          overlay(parts.session, parts.handoffWindowController),
-          idle(parts.session),
-          settings(parts.session, parts.preferences, parts.settings),
-          stealth(parts.session, parts.captureHiding, parts.selfTest,
-                  [&panel](std::function<void()> painted) { return panel.afterNextFrame(std::move(painted)); }) {}
-
-    Theme theme;
-    Theme callTheme;
-    MainView main;
-    CoachingOverlayView overlay;
-    IdleView idle;
-    SettingsView settings;
-    StealthView stealth;
-};
-
 StealthPanel::StealthPanel(const Parts& parts)
-    : m_content(std::make_unique<Content>(*this, parts)),
+    : m_views(std::make_unique<ViewStates>(ViewStates::Parts{
+          .session = parts.session,
+          .preferences = parts.preferences,
+          .captureHiding = parts.captureHiding,
+          .handoffWindowController = parts.handoffWindowController,
+          .settings = parts.settings,
+          .selfTest = parts.selfTest,
+          .afterNextFrame = [this](std::function<void()> painted) { return afterNextFrame(std::move(painted)); },
+      })),
       m_preferences(parts.preferences),
       m_captureHiding(parts.captureHiding),
       m_appearance(parts.appearance) {
@@ -76,15 +60,7 @@ StealthPanel::StealthPanel(const Parts& parts)
     followAppearance();
     setResizeMode(QQuickView::SizeRootObjectToView);
     engine()->addImportPath(QString::fromLatin1(qmlImportPath));
-    setInitialProperties({
-        {u"main"_s, QVariant::fromValue(&m_content->main)},
-        {u"overlay"_s, QVariant::fromValue(&m_content->overlay)},
-        {u"idle"_s, QVariant::fromValue(&m_content->idle)},
-        {u"settings"_s, QVariant::fromValue(&m_content->settings)},
-        {u"stealth"_s, QVariant::fromValue(&m_content->stealth)},
-        {u"theme"_s, QVariant::fromValue(&m_content->theme)},
-        {u"callTheme"_s, QVariant::fromValue(&m_content->callTheme)},
-    });
+    setInitialProperties({{u"views"_s, QVariant::fromValue(m_views.get())}});
     setSource(QUrl{u"qrc:/qt/qml/Corvellan/Views/Main.qml"_s});
 }
 
@@ -92,18 +68,6 @@ StealthPanel::~StealthPanel() {
     m_appearance.onChanged = {};
     // The scene goes before what it shows: its bindings read the view states to the end.
     setSource(QUrl{});
-}
-
-CoachingOverlayView& StealthPanel::overlay() {
-    return m_content->overlay;
-}
-
-SettingsView& StealthPanel::settings() {
-    return m_content->settings;
-}
-
-StealthView& StealthPanel::stealth() {
-    return m_content->stealth;
 }
 
 void StealthPanel::enterCallMode() {
@@ -229,7 +193,7 @@ void StealthPanel::applyStealthAnew() {
 }
 
 void StealthPanel::followAppearance() {
-    m_content->theme.setIsDark(m_appearance.colorScheme() != ColorScheme::light);
+    m_views->theme()->setIsDark(m_appearance.colorScheme() != ColorScheme::light);
 }
 
 void StealthPanel::place(QSize size, Sizing sizing, QRect present) {

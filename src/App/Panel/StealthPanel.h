@@ -17,12 +17,11 @@ class QKeyEvent;
 
 namespace corvellan {
 
-class CoachingOverlayView;
 class DesktopAppearance;
 class HandoffWindowController;
 class Preferences;
 class SessionViewModel;
-class StealthView;
+class ViewStates;
 
 /// The program's one main window. Between calls an ordinary window; in a call a borderless panel of a
 /// fixed size that stays above others and can be hidden from screen capture.
@@ -59,12 +58,8 @@ public:
     /// face hangs where this one was asked to be.
     [[nodiscard]] bool isSettled() const { return !m_asked; }
 
-    /// The view state of the call face.
-    [[nodiscard]] CoachingOverlayView& overlay();
-    /// The view state of the settings; whoever watches the global keys tells it how that goes.
-    [[nodiscard]] SettingsView& settings();
-    /// The view state of the stealth control, which tells of `captureVisibility`; for settings too.
-    [[nodiscard]] StealthView& stealth();
+    /// What its screens show.
+    [[nodiscard]] ViewStates& views() { return *m_views; }
 
     void enterCallMode();
     /// Makes the window capturable again and leaves the stealth flag alone: it applies at the next call.
@@ -121,8 +116,8 @@ private:
         bool operator==(const KeyInstant&) const = default;
     };
 
-    struct Content;
-    std::unique_ptr<Content> m_content;
+    /// The scene shows it and goes first.
+    std::unique_ptr<ViewStates> m_views;
     const Preferences& m_preferences;
     CaptureHiding& m_captureHiding;
     DesktopAppearance& m_appearance;

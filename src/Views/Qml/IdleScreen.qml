@@ -2,20 +2,14 @@ import QtQuick
 import QtQuick.Layouts
 import Corvellan.Views
 
-/// The window between calls.
+/// Where a call is started, and how the last one went.
 FocusScope {
     id: root
 
-    required property MainView main
     required property IdleView idle
     required property Theme theme
 
     focus: true
-
-    Shortcut {
-        sequence: "Ctrl+,"
-        onActivated: root.main.showSettings()
-    }
 
     ColumnLayout {
         anchors.centerIn: parent
@@ -154,17 +148,5 @@ FocusScope {
             color: root.theme.secondary
             elide: Text.ElideMiddle
         }
-    }
-
-    IconButton {
-        anchors.right: parent.right
-        anchors.top: parent.top
-        anchors.margins: 12
-        objectName: "openSettings"
-        theme: root.theme
-        symbol: "gearshape"
-        text: qsTr("Settings")
-        tip: qsTr("Settings (Ctrl+,)")
-        onClicked: root.main.showSettings()
     }
 }

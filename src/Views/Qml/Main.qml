@@ -5,19 +5,13 @@ import Corvellan.Views
 Item {
     id: root
 
-    required property MainView main
-    required property CoachingOverlayView overlay
-    required property IdleView idle
-    required property SettingsView settings
-    required property StealthView stealth
-    required property Theme theme
-    /// That of the call's panel, which is dark whatever the desktop is.
-    required property Theme callTheme
+    required property ViewStates views
+    readonly property string shownFace: views.dashboard.face
 
     Rectangle {
         anchors.fill: parent
-        color: root.main.surfaceColor
-        radius: root.main.surfaceRadius
+        color: root.views.dashboard.surfaceColor
+        radius: root.views.dashboard.surfaceRadius
     }
 
     WindowMover {
@@ -38,25 +32,13 @@ Item {
         y: 2
         z: 1
         objectName: "captureMarker"
-        stealth: root.stealth
+        stealth: root.views.stealth
     }
 
     function showFace() {
-        if (main.face === "call")
-            face.setSource("CoachingOverlayScreen.qml", { overlay: overlay, theme: callTheme, stealth: stealth });
-        else if (main.face === "settings")
-            face.setSource("SettingsScreen.qml", { main: main, settings: settings, stealth: stealth, theme: theme });
-        else
-            face.setSource("IdleScreen.qml", { main: main, idle: idle, theme: theme });
+        face.setSource(shownFace === "session" ? "SessionScreen.qml" : "DashboardScreen.qml", { views: views });
     }
 
     Component.onCompleted: showFace()
-
-    Connections {
-        target: root.main
-
-        function onFaceChanged() {
-            root.showFace();
-        }
-    }
+    onShownFaceChanged: showFace()
 }

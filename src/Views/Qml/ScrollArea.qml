@@ -133,6 +133,6 @@ Item {
         color: "transparent"
         border.width: 2
         border.color: root.theme.focusRing
-        visible: root.activeFocus
+        visible: root.activeFocus && root.activeFocusOnTab
     }
 }

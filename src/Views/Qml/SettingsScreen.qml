@@ -8,45 +8,24 @@ import Corvellan.Views
 FocusScope {
     id: root
 
-    required property MainView main
     required property SettingsView settings
     required property StealthView stealth
     required property Theme theme
 
     focus: true
-    Keys.onEscapePressed: root.main.showHome()
     // The form scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
+    Keys.onTabPressed: serverMode.forceActiveFocus(Qt.TabFocusReason)
     Component.onCompleted: root.settings.appear()
 
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
 
-        RowLayout {
+        ScreenTitle {
             Layout.fillWidth: true
-            Layout.margins: 10
-            spacing: 8
-
-            IconButton {
-                objectName: "back"
-                theme: root.theme
-                symbol: "chevron.left"
-                text: qsTr("Back")
-                tip: qsTr("Back (Esc)")
-                focus: true
-                onClicked: root.main.showHome()
-            }
-            ReadOut {
-                Layout.fillWidth: true
-                objectName: "title"
-                theme: root.theme
-                text: qsTr("Settings")
-                size: 16
-                font.weight: Font.DemiBold
-                elide: Text.ElideRight
-                Accessible.role: Accessible.Heading
-            }
+            theme: root.theme
+            text: qsTr("Settings")
         }
 
         Divider {
@@ -60,6 +39,7 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             objectName: "form"
+            focus: true
             theme: root.theme
             focusMargin: 36
             Accessible.name: qsTr("Settings")
@@ -87,6 +67,8 @@ FocusScope {
                             isLabelSpoken: false
 
                             FormPicker {
+                                id: serverMode
+
                                 objectName: "serverMode"
                                 theme: root.theme
                                 label: qsTr("Mode")

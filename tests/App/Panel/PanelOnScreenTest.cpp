@@ -9,7 +9,7 @@
 #include "Platform/Linux/CaptureHiding/MakeCaptureHiding.h"
 #include "Platform/Linux/Screenshots/MakeScreenPictures.h"
 #include "Support/FakeScreenPictures.h"
-#include "Views/StealthView.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -163,10 +163,10 @@ protected:
         return *panel;
     }
     QString runSelfTest() {
-        panel->stealth().runSelfTest();
-        EXPECT_TRUE(spinUntil([&] { return !panel->stealth().isTesting(); }, std::chrono::seconds{60}));
-        EXPECT_TRUE(panel->stealth().markerColors().isEmpty());
-        return panel->stealth().testResultText();
+        panel->views().stealth()->runSelfTest();
+        EXPECT_TRUE(spinUntil([&] { return !panel->views().stealth()->isTesting(); }, std::chrono::seconds{60}));
+        EXPECT_TRUE(panel->views().stealth()->markerColors().isEmpty());
+        return panel->views().stealth()->testResultText();
     }
 
     SystemClock clock;

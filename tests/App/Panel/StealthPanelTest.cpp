@@ -6,8 +6,7 @@
 #include <QSignalSpy>
 
 #include "PanelFixture.h"
-#include "Views/StealthView.h"
-#include "Views/Theme.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -135,7 +134,7 @@ TEST_F(StealthPanelTest, aLateAnswerOfTheDesktopIsFollowed) {
     EXPECT_EQ(panel.captureVisibility(), CaptureVisibility::hiding);
     captureHiding.tell(CaptureVisibility::hidden);
     EXPECT_EQ(panel.captureVisibility(), CaptureVisibility::hidden);
-    EXPECT_FALSE(panel.stealth().hasWarning());
+    EXPECT_FALSE(panel.views().stealth()->hasWarning());
 }
 
 TEST_F(StealthPanelTest, aHiddenWindowIsHiddenAnewWhenItIsShownAgain) {

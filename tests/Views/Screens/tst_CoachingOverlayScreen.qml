@@ -17,8 +17,8 @@ TestCase {
         CoachingOverlayScreen {
             width: 700
             height: 350
-            overlay: driver.overlay
-            theme: driver.theme
+            overlay: driver.views.overlay
+            theme: driver.views.theme
         }
     }
 

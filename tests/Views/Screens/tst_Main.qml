@@ -17,13 +17,7 @@ TestCase {
         Main {
             width: 680
             height: 520
-            main: driver.main
-            overlay: driver.overlay
-            idle: driver.idle
-            settings: driver.settings
-            stealth: driver.stealth
-            theme: driver.theme
-            callTheme: driver.callTheme
+            views: driver.views
         }
     }
 

@@ -17,8 +17,8 @@ TestCase {
         StealthControl {
             x: 20
             y: 20
-            stealth: driver.stealth
-            theme: driver.theme
+            stealth: driver.views.stealth
+            theme: driver.views.theme
         }
     }
 
@@ -26,9 +26,9 @@ TestCase {
         id: overlayScreen
 
         CoachingOverlayScreen {
-            overlay: driver.overlay
-            theme: driver.theme
-            stealth: driver.stealth
+            overlay: driver.views.overlay
+            theme: driver.views.theme
+            stealth: driver.views.stealth
         }
     }
 
@@ -42,8 +42,8 @@ TestCase {
             StealthControl {
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
-                stealth: driver.stealth
-                theme: driver.theme
+                stealth: driver.views.stealth
+                theme: driver.views.theme
                 size: 10
                 isCompact: true
             }
@@ -89,7 +89,7 @@ TestCase {
     function test_theEyeIsOpenInCyanAndClosedInFaintWhite() {
         const button = findChild(make(control), "stealthButton");
         compare(button.contentItem.symbol, "eye.fill");
-        verify(Qt.colorEqual(button.contentItem.color, driver.theme.cyan));
+        verify(Qt.colorEqual(button.contentItem.color, driver.views.theme.cyan));
         driver.setStealth(true);
         compare(button.contentItem.symbol, "eye.slash");
         fuzzyCompare(button.contentItem.color.a, 0.25, 0.01);

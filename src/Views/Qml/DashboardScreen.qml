@@ -1,0 +1,74 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Corvellan.Views
+
+/// The window between calls: the sidebar, and the screen of the tab that is open.
+FocusScope {
+    id: root
+
+    required property ViewStates views
+    readonly property Theme theme: views.theme
+    readonly property string openTab: views.dashboard.selectedTab
+
+    focus: true
+
+    function showTab() {
+        switch (openTab) {
+        case "settings":
+            detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
+            break;
+        default:
+            detail.setSource("IdleScreen.qml", { idle: views.idle, theme: theme });
+        }
+    }
+
+    Component.onCompleted: showTab()
+    onOpenTabChanged: showTab()
+
+    Shortcut {
+        sequence: "Ctrl+,"
+        onActivated: root.views.dashboard.selectTab("settings")
+    }
+    Repeater {
+        model: root.views.dashboard.visibleTabs
+
+        Item {
+            id: place
+
+            required property var modelData
+            required property int index
+
+            Shortcut {
+                sequence: "Ctrl+" + (place.index + 1)
+                onActivated: root.views.dashboard.selectTab(place.modelData.name)
+            }
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+
+        width: implicitWidth
+        height: parent.height
+        objectName: "sidebar"
+        dashboard: root.views.dashboard
+        theme: root.theme
+    }
+    Rectangle {
+        x: sidebar.width
+        width: 1
+        height: parent.height
+        color: root.theme.hairline
+    }
+    Loader {
+        id: detail
+
+        x: sidebar.width + 1
+        width: parent.width - x
+        height: parent.height
+        objectName: "detail"
+        // The screen has the keyboard, and Tab goes on from the sidebar.
+        focus: true
+    }
+}

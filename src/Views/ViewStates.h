@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <QObject>
+#include <QQmlEngine>
+
+#include "CoachingOverlayView.h"
+#include "DashboardView.h"
+#include "IdleView.h"
+#include "LiveSessionView.h"
+#include "SettingsView.h"
+#include "Shell/Stealth/CaptureSelfTest.h"
+#include "StealthView.h"
+#include "Theme.h"
+
+namespace corvellan {
+
+class CaptureHiding;
+class HandoffWindowController;
+
+/// The view states of the window's screens, under one roof: what the window's content is handed. Main thread.
+class ViewStates : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the panel")
+
+    Q_PROPERTY(corvellan::DashboardView* dashboard READ dashboard CONSTANT)
+    Q_PROPERTY(corvellan::LiveSessionView* live READ live CONSTANT)
+    Q_PROPERTY(corvellan::CoachingOverlayView* overlay READ overlay CONSTANT)
+    Q_PROPERTY(corvellan::IdleView* idle READ idle CONSTANT)
+    Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
+    Q_PROPERTY(corvellan::StealthView* stealth READ stealth CONSTANT)
+    Q_PROPERTY(corvellan::Theme* theme READ theme CONSTANT)
+    /// That of the call's panel, which is dark whatever the desktop is.
+    Q_PROPERTY(corvellan::Theme* callTheme READ callTheme CONSTANT)
+
+public:
+    /// What they are made of; all of it outlives the object.
+    struct Parts {
+        SessionViewModel& session;
+        Preferences& preferences;
+        CaptureHiding& captureHiding;
+        HandoffWindowController& handoffWindowController;
+        SettingsParts settings;
+        /// Absent where nothing can picture the screen: then the window can't be looked for in captures.
+        std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
+        /// Calls back after the window's next frame; false when there is none to come.
+        StealthView::AfterNextFrame afterNextFrame = {};
+    };
+
+    explicit ViewStates(const Parts& parts, QObject* parent = nullptr);
+
+    [[nodiscard]] DashboardView* dashboard() { return &m_dashboard; }
+    [[nodiscard]] LiveSessionView* live() { return &m_live; }
+    [[nodiscard]] CoachingOverlayView* overlay() { return &m_overlay; }
+    [[nodiscard]] IdleView* idle() { return &m_idle; }
+    [[nodiscard]] SettingsView* settings() { return &m_settings; }
+    [[nodiscard]] StealthView* stealth() { return &m_stealth; }
+    [[nodiscard]] Theme* theme() { return &m_theme; }
+    [[nodiscard]] Theme* callTheme() { return &m_callTheme; }
+
+private:
+    Theme m_theme;
+    Theme m_callTheme;
+    DashboardView m_dashboard;
+    LiveSessionView m_live;
+    CoachingOverlayView m_overlay;
+    IdleView m_idle;
+    SettingsView m_settings;
+    StealthView m_stealth;
+};
+
+}  // namespace corvellan
