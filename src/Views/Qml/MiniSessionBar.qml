@@ -94,8 +94,8 @@ RowLayout {
         objectName: "miniStealth"
         stealth: root.views.stealth
         theme: root.theme
-        offColor: Qt.alpha(root.theme.cyan, 0.6)
-        onColor: Qt.alpha(root.theme.white, 0.2)
+        shownColor: Qt.alpha(root.theme.cyan, 0.6)
+        hiddenColor: Qt.alpha(root.theme.white, 0.2)
         isCompact: true
     }
     PanelButton {

@@ -58,7 +58,7 @@ FocusScope {
             CoachingOverlayScreen {
                 id: overlay
 
-                width: transcript.active ? Math.floor((parent.width - 1) / 2) : parent.width
+                width: transcript.isWanted ? Math.floor((parent.width - 1) / 2) : parent.width
                 height: parent.height
                 objectName: "overlay"
                 overlay: root.views.overlay
@@ -68,7 +68,7 @@ FocusScope {
                 x: overlay.width
                 width: 1
                 height: parent.height
-                visible: transcript.active
+                visible: transcript.isWanted
                 color: Qt.alpha(root.views.callTheme.white, 0.1)
             }
             Loader {
@@ -77,14 +77,18 @@ FocusScope {
                 x: overlay.width + 1
                 width: parent.width - x
                 height: parent.height
-                active: root.layoutName === "full"
+                readonly property bool isWanted: root.layoutName === "full"
 
-                sourceComponent: TranscriptPanel {
-                    objectName: "transcriptPanel"
-                    live: root.views.live
-                    overlay: root.views.overlay
-                    theme: root.views.callTheme
+                function follow() {
+                    if (isWanted)
+                        setSource("TranscriptPanel.qml", { live: root.views.live, overlay: root.views.overlay,
+                                                           theme: root.views.callTheme });
+                    else
+                        source = "";
                 }
+
+                Component.onCompleted: follow()
+                onIsWantedChanged: follow()
             }
         }
     }

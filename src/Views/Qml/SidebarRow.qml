@@ -15,6 +15,7 @@ PressButton {
     property color selectedColor: theme.foreground
     property real symbolSize: 13
     property string tip: ""
+    readonly property color textColor: isSelected ? selectedColor : hovered || visualFocus ? theme.foreground : plainColor
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: theme.hitTarget
@@ -22,8 +23,7 @@ PressButton {
     rightPadding: 9
 
     contentItem: Item {
-        implicitWidth: title.x + title.implicitWidth
-        implicitHeight: title.implicitHeight
+        implicitHeight: 16
 
         IconLabel {
             width: 20
@@ -31,12 +31,10 @@ PressButton {
             theme: root.theme
             symbol: root.symbol
             size: root.symbolSize
-            color: root.isSelected ? root.accent : title.color
+            color: root.isSelected ? root.accent : root.textColor
             horizontalAlignment: Text.AlignHCenter
         }
         ReadOut {
-            id: title
-
             x: 28
             width: parent.width - x
             anchors.verticalCenter: parent.verticalCenter
@@ -44,8 +42,7 @@ PressButton {
             text: root.text
             size: 13
             font.weight: root.isSelected ? Font.DemiBold : Font.Normal
-            color: root.isSelected ? root.selectedColor : root.hovered || root.visualFocus ? root.theme.foreground
-                                                                                           : root.plainColor
+            color: root.textColor
             elide: Text.ElideRight
             Accessible.ignored: true
         }

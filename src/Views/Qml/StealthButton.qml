@@ -7,9 +7,9 @@ PressButton {
 
     required property StealthView stealth
     required property Theme theme
-    /// Of the eye while stealth is off and on.
-    property color offColor: theme.cyan
-    property color onColor: Qt.alpha(theme.white, 0.25)
+    /// Of the eye while the window is shown in captures, and while stealth is on.
+    property color shownColor: theme.cyan
+    property color hiddenColor: Qt.alpha(theme.white, 0.25)
     property real size: 13
     property bool hasTipsAbove: false
     /// Where the window is hardly higher than a tip.
@@ -28,7 +28,7 @@ PressButton {
         theme: root.theme
         symbol: root.stealth.controlSymbol
         size: root.size
-        color: root.stealth.isStealthOn ? root.onColor : root.offColor
+        color: root.stealth.isStealthOn ? root.hiddenColor : root.shownColor
         horizontalAlignment: Text.AlignHCenter
     }
 

@@ -7,8 +7,8 @@ Row {
 
     required property StealthView stealth
     required property Theme theme
-    property alias offColor: button.offColor
-    property alias onColor: button.onColor
+    property alias shownColor: button.shownColor
+    property alias hiddenColor: button.hiddenColor
     property alias size: button.size
     property alias hasTipsAbove: button.hasTipsAbove
     /// For a window that is hardly higher than a tip.

@@ -14,6 +14,8 @@ FocusScope {
     required property Theme theme
     readonly property int margin: 10
 
+    objectName: "transcriptPanel"
+
     ColumnLayout {
         anchors.fill: parent
         anchors.topMargin: 8
@@ -254,7 +256,22 @@ FocusScope {
 
                 onCountChanged: {
                     if (count > 0)
-                        Qt.callLater(showEnd, 200);
+                        rolling.begin(200);
+                }
+
+                // Once for all lines that come together, and after they have their places.
+                Timer {
+                    id: rolling
+
+                    property int duration
+
+                    interval: 0
+                    onTriggered: list.showEnd(duration)
+
+                    function begin(time: int) {
+                        duration = time;
+                        restart();
+                    }
                 }
 
                 Connections {
@@ -262,7 +279,7 @@ FocusScope {
 
                     function onStreamingChanged() {
                         if (root.live.counterpartStreamingText.length > 0)
-                            Qt.callLater(list.showEnd, 100);
+                            rolling.begin(100);
                     }
                 }
 

@@ -177,15 +177,13 @@ TEST_F(StealthPanelTest, closingHidesAndShowingBringsTheSameContentBack) {
 }
 
 TEST_F(StealthPanelTest, theWindowIsLightOnlyWhereTheDesktopAsksForThat) {
-    const auto isDark = [this](const char* theme) {
-        return panel.rootObject()->property(theme).value<Theme*>()->isDark();
-    };
-    EXPECT_TRUE(isDark("theme")) << "no preference";
+    const Theme& theme = *panel.views().theme();
+    EXPECT_TRUE(theme.isDark()) << "no preference";
     settings.desktop.appearance.setColorScheme(ColorScheme::light);
-    EXPECT_FALSE(isDark("theme"));
-    EXPECT_TRUE(isDark("callTheme")) << "a call is dark whatever the desktop is";
+    EXPECT_FALSE(theme.isDark());
+    EXPECT_TRUE(panel.views().callTheme()->isDark()) << "a call is dark whatever the desktop is";
     settings.desktop.appearance.setColorScheme(ColorScheme::dark);
-    EXPECT_TRUE(isDark("theme"));
+    EXPECT_TRUE(theme.isDark());
 }
 
 TEST_F(StealthPanelTest, theFaceInTheWindowFollowsTheSession) {

@@ -17,7 +17,7 @@ TestCase {
         MarkdownText {
             width: 500
             height: implicitHeight
-            theme: driver.theme
+            theme: driver.views.theme
         }
     }
 
