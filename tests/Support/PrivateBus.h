@@ -1,10 +1,5 @@
 #pragma once
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <memory>
 #include <QDBusConnection>
 #include <QFile>
@@ -14,6 +9,7 @@
 
 #include "ChildProcess.h"
 #include "TestLoop.h"
+#include "UnixSocket.h"
 
 namespace corvellan::test {
 
@@ -28,8 +24,8 @@ public:
         configuration.write(
             "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
             " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-            "<busconfig><type>session</type><listen>unix:path=" +
-            socketPath() +
+            "<busconfig><type>session</type><listen>" +
+            address().toLatin1() +
             "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow send_destination=\"*\"/>"
             "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy></busconfig>\n");
         configuration.close();
@@ -37,7 +33,7 @@ public:
             std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration.fileName().toStdString(),
                                      "--nofork", "--nopidfile", "--nosyslog"},
             ChildProcess::Environment{}, m_folder.filePath(QStringLiteral("bus.log")).toStdString());
-        if (!spinUntil([this] { return isAnswering(); }))
+        if (!spinUntil([this] { return isListeningAt(socketPath()); }))
             throw std::runtime_error("the bus did not start");
     }
     ~PrivateBus() {
@@ -47,7 +43,10 @@ public:
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
 
-    [[nodiscard]] QString address() const { return QStringLiteral("unix:path=") + QString::fromUtf8(socketPath()); }
+    [[nodiscard]] QString address() const {
+        // The folder carries the test program's name, and an address takes few characters as they are.
+        return QStringLiteral("unix:path=") + QString::fromLatin1(socketPath().toPercentEncoding("/", "~"));
+    }
 
     /// A new connection at each call, as of a program of its own.
     [[nodiscard]] QDBusConnection connect() {
@@ -61,16 +60,6 @@ public:
 
 private:
     [[nodiscard]] QByteArray socketPath() const { return m_folder.filePath(QStringLiteral("bus")).toUtf8(); }
-
-    [[nodiscard]] bool isAnswering() const {
-        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, socketPath().constData(), sizeof address.sun_path - 1);
-        const bool connected = ::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-        ::close(descriptor);
-        return connected;
-    }
 
     QTemporaryDir m_folder;
     std::unique_ptr<ChildProcess> m_daemon;

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <memory>
 #include <QDir>
 #include <QFile>
@@ -15,6 +10,7 @@
 
 #include "ChildProcess.h"
 #include "TestLoop.h"
+#include "UnixSocket.h"
 
 namespace corvellan::test {
 
@@ -63,7 +59,7 @@ public:
         m_server = spawn({"pulseaudio", "-n", "-F", path("test.pa"), "--daemonize=no", "--fail", "--exit-idle-time=-1",
                           "--use-pid-file=no", "--disable-shm=yes", "--realtime=no", "--high-priority=no"},
                          "server.log");
-        if (!spinUntil([this] { return isAnswering(); }))
+        if (!spinUntil([this] { return isListeningAt(socketPath()); }))
             throw std::runtime_error("the sound server did not start: " + contents("server.log").toStdString());
         // It listens before the rest of its configuration has run; it answers only after.
         control({QStringLiteral("info")});
@@ -123,19 +119,8 @@ private:
         return std::make_unique<ChildProcess>(command, environment, path(output));
     }
 
-    [[nodiscard]] bool isAnswering() const {
-        const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        if (descriptor < 0)
-            throw std::runtime_error("no socket to be had");
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, socketPath().constData(), sizeof address.sun_path - 1);
-        const bool connected = ::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-        ::close(descriptor);
-        return connected;
-    }
-
-    QTemporaryDir m_folder;
+    // By itself it would carry the test program's name, and a server's address ends at a blank.
+    QTemporaryDir m_folder{QDir::temp().filePath(QStringLiteral("pulse-XXXXXX"))};
     std::unique_ptr<ChildProcess> m_server;
     int m_plays = 0;
 };
