@@ -8,7 +8,7 @@
 
 namespace corvellan {
 
-/// The user's own web browser. Main thread.
+/// The user's own web browser, and the programs for mail and telephone beside it. Main thread.
 class WebBrowser {
 public:
     virtual ~WebBrowser() = default;
@@ -16,6 +16,10 @@ public:
     /// Opens a page, of scheme "http" or "https". Resumes when the desktop has taken the address over or has
     /// refused it; what becomes of the page then nobody tells.
     virtual QCoro::Task<std::expected<void, Error>> open(QUrl page) = 0;
+
+    /// Begins a mail or a telephone call: a "mailto" link with one plain address and nothing else, or a "tel" link.
+    /// As above, the desktop has then taken it over or has refused it.
+    virtual QCoro::Task<std::expected<void, Error>> openContact(QUrl link) = 0;
 };
 
 }  // namespace corvellan

@@ -310,10 +310,20 @@ public:
         co_return {};
     }
 
+    QCoro::Task<std::expected<void, Error>> openContact(QUrl link) override {
+        m_log.emplace_back("browser.openContact");
+        contacts.push_back(std::move(link));
+        co_await gate.pass();
+        if (failure)
+            co_return std::unexpected(*failure);
+        co_return {};
+    }
+
     Gate gate;
     std::optional<Error> failure;
     /// All that were asked for, in order.
     std::vector<QUrl> pages;
+    std::vector<QUrl> contacts;
 
 private:
     CallLog& m_log;

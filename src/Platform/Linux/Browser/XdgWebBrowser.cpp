@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <stop_token>
 #include <utility>
@@ -36,24 +37,26 @@ struct Opening {
     }
 };
 
-void launch(const QString& program, const QUrl& page, const std::shared_ptr<Opening>& opening) {
+void launch(const QString& program, const QString& address, const QString& refusal,
+            const std::shared_ptr<Opening>& opening) {
     // Not destroyed before it ends, since Qt kills with it what it runs.
     auto* const process = new QProcess;
     process->setProgram(program);
-    process->setArguments({page.toString(QUrl::FullyEncoded)});
+    process->setArguments({address});
     process->setStandardInputFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());
     process->setStandardErrorFile(QProcess::nullDevice());
     process->setChildProcessModifier(letGoOfParent);
-    QObject::connect(process, &QProcess::finished, process, [process, opening](int code, QProcess::ExitStatus status) {
-        if (status != QProcess::NormalExit)
-            opening->finish(failure(u"xdg-open has crashed."_s));
-        else if (code != 0)
-            opening->finish(failure(u"No web browser took the address (xdg-open ended with status %1)."_s.arg(code)));
-        else
-            opening->finish({});
-        process->deleteLater();
-    });
+    QObject::connect(process, &QProcess::finished, process,
+                     [process, refusal, opening](int code, QProcess::ExitStatus status) {
+                         if (status != QProcess::NormalExit)
+                             opening->finish(failure(u"xdg-open has crashed."_s));
+                         else if (code != 0)
+                             opening->finish(failure(refusal.arg(code)));
+                         else
+                             opening->finish({});
+                         process->deleteLater();
+                     });
     QObject::connect(process, &QProcess::errorOccurred, process, [process, opening](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
             return;
@@ -74,6 +77,29 @@ QCoro::Task<Result> XdgWebBrowser::open(QUrl page) {
     // A file or a program's own scheme may do more than show a page.
     if (!page.isValid() || (page.scheme() != u"http" && page.scheme() != u"https"))
         co_return failure(u"This is no address of a web page."_s);
+    co_return co_await handOver(page.toString(QUrl::FullyEncoded),
+                                u"No web browser took the address (xdg-open ended with status %1)."_s);
+}
+
+QCoro::Task<Result> XdgWebBrowser::openContact(QUrl link) {
+    // What a mail program makes of more than an address, attachments say, is not the sender's to decide.
+    if (!link.hasQuery() && !link.hasFragment() && link.authority().isEmpty()) {
+        static const QRegularExpression mail{uR"(\A[A-Za-z0-9._+][A-Za-z0-9._+-]*@[A-Za-z0-9.-]+\z)"_s};
+        static const QRegularExpression telephone{uR"(\A\+?[0-9]+\z)"_s};
+        QString target = link.path(QUrl::FullyDecoded);
+        if (link.scheme() == u"mailto" && mail.match(target).hasMatch())
+            co_return co_await handOver(u"mailto:"_s + target,
+                                        u"No program here takes mail addresses (xdg-open ended with status %1)."_s);
+        // A dialler wants the digits alone.
+        target.remove(u' ');
+        if (link.scheme() == u"tel" && telephone.match(target).hasMatch())
+            co_return co_await handOver(u"tel:"_s + target,
+                                        u"No program here takes telephone numbers (xdg-open ended with status %1)."_s);
+    }
+    co_return failure(u"This is no mail address and no telephone number."_s);
+}
+
+QCoro::Task<Result> XdgWebBrowser::handOver(QString address, QString refusal) {
     const QString program = QStandardPaths::findExecutable(u"xdg-open"_s);
     if (program.isEmpty())
         co_return failure(u"xdg-open is not installed (package xdg-utils)."_s);
@@ -81,7 +107,7 @@ QCoro::Task<Result> XdgWebBrowser::open(QUrl page) {
     const auto opening = std::make_shared<Opening>();
     std::stop_source enough;
     const auto patient = takeForOpen(m_clock, opening, enough.get_token());
-    launch(program, page, opening);
+    launch(program, address, refusal, opening);
     if (!opening->result)
         co_await opening->ended.next();
     enough.request_stop();

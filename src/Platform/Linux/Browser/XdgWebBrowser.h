@@ -18,8 +18,12 @@ public:
     explicit XdgWebBrowser(Clock& clock) : m_clock(clock) {}
 
     QCoro::Task<std::expected<void, Error>> open(QUrl page) override;
+    QCoro::Task<std::expected<void, Error>> openContact(QUrl link) override;
 
 private:
+    /// \param refusal what to say when nothing takes it; "%1" is the status that `xdg-open` ended with.
+    QCoro::Task<std::expected<void, Error>> handOver(QString address, QString refusal);
+
     Clock& m_clock;
 };
 

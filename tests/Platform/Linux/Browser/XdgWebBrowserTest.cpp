@@ -41,6 +41,10 @@ protected:
         const auto opened = complete(browser.open(page));
         return opened ? QString{} : opened.error().errorDescription();
     }
+    QString contactProblem(const QUrl& link) {
+        const auto opened = complete(browser.openContact(link));
+        return opened ? QString{} : opened.error().errorDescription();
+    }
     QCoro::Task<void> keep(QCoro::Task<Result> task) { result.emplace(co_await task); }
 
     const QByteArray oldPath = qgetenv("PATH");
@@ -74,6 +78,34 @@ TEST_F(XdgWebBrowserTest, opensNothingButWebPages) {
                                 u"http://bad host/"_s})
         EXPECT_EQ(problem(QUrl{address}), u"This is no address of a web page."_s) << address.toStdString();
     EXPECT_FALSE(QFile::exists(folder.filePath(u"opened"_s)));
+}
+
+TEST_F(XdgWebBrowserTest, handsMailAddressesAndTelephoneNumbersOver) {
+    install("printf '%s' \"$1\" >address");
+    EXPECT_EQ(contactProblem(QUrl{u"mailto:jo.o+x@mail-1.example"_s}), QString{});
+    EXPECT_EQ(contents(u"address"_s), "mailto:jo.o+x@mail-1.example");
+    EXPECT_EQ(contactProblem(QUrl{u"tel:+49 30 123456 7"_s}), QString{});
+    EXPECT_EQ(contents(u"address"_s), "tel:+49301234567");
+}
+
+TEST_F(XdgWebBrowserTest, aContactIsAPlainAddressAndNothingElse) {
+    install("touch opened");
+    for (const auto& address :
+         {u"https://download.example/bram"_s, u"file:///etc/passwd"_s, u"javascript:1"_s, u""_s, u"mailto:"_s,
+          u"mailto:jo"_s, u"mailto:a@b.example?attach=/etc/passwd"_s, u"mailto:%3Fattach%3Dx@b.example"_s,
+          u"mailto:a@b.example,c@d.example"_s, u"mailto:-x@b.example"_s, u"mailto://a@b.example"_s, u"tel:"_s,
+          u"tel:+49;ext=1"_s, u"tel:%2349"_s, u"tel:49#"_s, u"tel:+49%0A1"_s})
+        EXPECT_EQ(contactProblem(QUrl{address}), u"This is no mail address and no telephone number."_s)
+            << address.toStdString();
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"opened"_s)));
+}
+
+TEST_F(XdgWebBrowserTest, saysThatNothingTakesAContact) {
+    install("exit 3");
+    EXPECT_EQ(contactProblem(QUrl{u"mailto:a@b.example"_s}),
+              u"No program here takes mail addresses (xdg-open ended with status 3)."_s);
+    EXPECT_EQ(contactProblem(QUrl{u"tel:+4930123456"_s}),
+              u"No program here takes telephone numbers (xdg-open ended with status 3)."_s);
 }
 
 TEST_F(XdgWebBrowserTest, saysThatNoBrowserIsThere) {
