@@ -7,6 +7,7 @@
 #include <QSocketNotifier>
 
 #include "App/Alerts/MessageBoxAlerts.h"
+#include "App/Handoff/FloatingHandoffWindow.h"
 #include "App/Icon/ApplicationIcon.h"
 #include "App/MenuBar/TrayStatusBar.h"
 #include "AppDelegate.h"
@@ -37,7 +38,7 @@
 #include "Services/SessionStore/SqliteSessionStore.h"
 #include "Shell/DownloadPageUpdater.h"
 #include "SingleInstance.h"
-#include "Views/HandoffWindowController.h"
+#include "Views/MarkdownWebView.h"
 
 using namespace Qt::StringLiterals;
 
@@ -53,9 +54,12 @@ QString activationToken() {
     return {};
 }
 
-class AbsentHandoffWindow final : public HandoffWindowController {
-public:
-    void show(const HandoffResponse&) override {}
+/// Has notes converted on a thread of their own for as long as it lives.
+struct NotesElsewhere {
+    explicit NotesElsewhere(Executor& worker) { MarkdownWebView::convertOn(&worker); }
+    ~NotesElsewhere() { MarkdownWebView::convertOn(nullptr); }
+    NotesElsewhere(const NotesElsewhere&) = delete;
+    NotesElsewhere& operator=(const NotesElsewhere&) = delete;
 };
 
 /// In the order of construction, so that everything goes before what it uses. Threads stand above the
@@ -105,7 +109,8 @@ struct RealParts {
     std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);
     PortalAppearance appearance{bus};
     TrayStatusBar statusBar;
-    AbsentHandoffWindow handoffWindow;
+    NotesElsewhere notesElsewhere{worker.executor()};
+    FloatingHandoffWindow handoffWindow{browser, {.url = deployment::crmUrl(), .portal = deployment::crmPortal()}};
 };
 
 AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {

@@ -4,6 +4,7 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
+#include "HandoffDriver.h"
 #include "ScreenDriver.h"
 #include "Views/QuickSetup.h"
 
@@ -18,11 +19,17 @@ public Q_SLOTS:
         engine->addImportPath(QString::fromLatin1(qmlImportPath));
         m_driver = std::make_unique<ScreenDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("driver"), m_driver.get());
+        m_handoffDriver = std::make_unique<HandoffDriver>();
+        engine->rootContext()->setContextProperty(QStringLiteral("handoffDriver"), m_handoffDriver.get());
     }
-    void cleanupTestCase() { m_driver.reset(); }
+    void cleanupTestCase() {
+        m_handoffDriver.reset();
+        m_driver.reset();
+    }
 
 private:
     std::unique_ptr<ScreenDriver> m_driver;
+    std::unique_ptr<HandoffDriver> m_handoffDriver;
 };
 
 }  // namespace corvellan::test
