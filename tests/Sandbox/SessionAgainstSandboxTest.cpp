@@ -3,8 +3,10 @@
 #include "Sandbox/CommandLine.h"
 #include "Services/BriefingService.h"
 #include "Services/HttpClient.h"
+#include "Services/ScreenShare/ScreenShareService.h"
 #include "Services/WebSocketService.h"
 #include "SignedInFixture.h"
+#include "Support/FakeScreenCaptures.h"
 #include "Support/SessionSurroundings.h"
 
 namespace corvellan::test {
@@ -13,15 +15,23 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Real sockets, and fakes for what has to do with sound and screen.
+/// Real sockets, and fakes for what has to do with sound; pictures of the screen are made up, and really sent.
 class WireFactory final : public ServiceFactory {
 public:
-    WireFactory(CallLog& log, Clock& clock, Diagnostics& diagnostics)
+    WireFactory(CallLog& log, Clock& clock, HttpClientProtocol& http, Diagnostics& diagnostics)
         : fakes(log),
           m_clock(clock),
+          m_http(http),
           m_diagnostics(diagnostics) {}
 
-    std::unique_ptr<ScreenShareServiceProtocol> makeScreenShare() override { return fakes.makeScreenShare(); }
+    std::unique_ptr<ScreenShareServiceProtocol> makeScreenShare() override {
+        return std::make_unique<ScreenShareService>(ScreenShareService::Environment{.executor = mainExecutor(),
+                                                                                    .worker = mainExecutor(),
+                                                                                    .clock = m_clock,
+                                                                                    .http = m_http,
+                                                                                    .captures = captures,
+                                                                                    .ownProcessId = 1});
+    }
     std::unique_ptr<TtsServiceProtocol> makeTts() override { return fakes.makeTts(); }
     std::unique_ptr<SystemAudioServiceProtocol> makeSystemAudio() override { return fakes.makeSystemAudio(); }
     std::unique_ptr<SttServiceProtocol> makeStt() override { return fakes.makeStt(); }
@@ -30,9 +40,11 @@ public:
     }
 
     FakeFactory fakes;
+    FakeScreenCaptures captures;
 
 private:
     Clock& m_clock;
+    HttpClientProtocol& m_http;
     Diagnostics& m_diagnostics;
 };
 
@@ -86,7 +98,7 @@ protected:
     SessionSurroundings around;
     HttpClient http{mainExecutor(), around.clock};
     std::unique_ptr<BriefingService> briefings;
-    WireFactory factory{calls, around.clock, around.diagnostics};
+    WireFactory factory{calls, around.clock, http, around.diagnostics};
     FakeGivenServices given{calls};
     FakeStore store;
     std::unique_ptr<SessionViewModel> session;
@@ -200,6 +212,28 @@ TEST_F(SessionAgainstSandboxTest, getsNoSessionWithATokenThatIsOver) {
     ASSERT_TRUE(spinUntil([&] { return session->errorMessage().has_value(); }));
     EXPECT_FALSE(session->isSessionActive());
     EXPECT_TRUE(logs(u"refused a connection: its token is not good"_s));
+}
+
+TEST_F(SessionAgainstSandboxTest, sharesTheScreenWhileThatIsSwitchedOn) {
+    QImage screen{640, 480, QImage::Format_RGB32};
+    screen.fill(Qt::darkGreen);
+    factory.captures.desktop->picture = screen;
+    session->setIsScreenShareEnabled(true);
+    session->startSession({.company = u"Halden Freight"_s});
+    ASSERT_TRUE(spinUntil([&] {
+        settleAfter(around.clock, 1s);
+        return logs(u"bytes, hash 0000000000000000"_s);
+    }));
+    EXPECT_FALSE(logs(u"though this session shares no screen"_s));
+    EXPECT_FALSE(logs(u"refused one"_s));
+    const auto frame = rest({.path = "/sandbox/frames/" + session->currentSessionId().value_or(QString{}).toLatin1()});
+    EXPECT_EQ(QImage::fromData(frame.body, "jpeg").size(), screen.size());
+
+    session->toggleScreenShare();
+    settleAfter(around.clock, 1s);
+    const auto pictured = factory.captures.desktop->pictured.size();
+    settleAfter(around.clock, 60s);
+    EXPECT_EQ(factory.captures.desktop->pictured.size(), pictured);
 }
 
 TEST_F(SessionAgainstSandboxTest, theScenariosAreAList) {

@@ -95,6 +95,44 @@ TEST(SessionPipelineTest, screenSharingStartsWithTheSessionsIdBaseAndToken) {
     EXPECT_EQ(fixture.factory.screenShare.options, ScreenShareOptions{});
 }
 
+TEST(SessionPipelineTest, screenSharingStartsWithoutATokenWhereThereIsNone) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.factory.screenShare.authToken = u"of an earlier start"_s;
+    fixture.session().toggleScreenShare();
+    settle();
+    EXPECT_TRUE(fixture.did("screenShare.start"));
+    EXPECT_EQ(fixture.factory.screenShare.authToken, std::nullopt);
+}
+
+TEST(SessionPipelineTest, screenSharingGoesToTheSameHostOverHttp) {
+    const std::vector<std::pair<QString, QString>> cases{
+        {u"ws://127.0.0.1:3001/ws"_s, u"http://127.0.0.1:3001"_s},
+        {u"wss://coach.test/ws"_s, u"https://coach.test"_s},
+        {u"wss://coach.test:8443/ws"_s, u"https://coach.test:8443"_s}};
+    for (const auto& [server, base] : cases) {
+        SessionFixture fixture;
+        fixture.auth->accessToken = u"token"_s;
+        fixture.session().setServerURL(server);
+        fixture.goLive();
+        fixture.session().toggleScreenShare();
+        settle();
+        EXPECT_EQ(fixture.factory.screenShare.httpBase, base);
+    }
+}
+
+TEST(SessionPipelineTest, switchingScreenSharingOffInACallTellsTheServerAndStops) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.session().toggleScreenShare();
+    settle();
+    fixture.log.clear();
+    fixture.session().toggleScreenShare();
+    settle();
+    EXPECT_EQ(fixture.log, (CallLog{"ws.send", "screenShare.stop"}));
+    EXPECT_FALSE(std::get<ClientMsg::SetScreenShare>(fixture.ws->sent.back().value).enabled);
+}
+
 TEST(SessionPipelineTest, aFailedScreenShareMessageIsLoggedAndTheStepsGoOn) {
     SessionFixture fixture;
     fixture.goLive();

@@ -1,0 +1,1 @@
+corvellan_fuzz(X11Picture LINK Corvellan::LinuxScreenshots)
