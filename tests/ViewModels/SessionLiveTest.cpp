@@ -106,10 +106,9 @@ TEST(SessionPipelineTest, screenSharingStartsWithoutATokenWhereThereIsNone) {
 }
 
 TEST(SessionPipelineTest, screenSharingGoesToTheSameHostOverHttp) {
-    const std::vector<std::pair<QString, QString>> cases{
-        {u"ws://127.0.0.1:3001/ws"_s, u"http://127.0.0.1:3001"_s},
-        {u"wss://coach.test/ws"_s, u"https://coach.test"_s},
-        {u"wss://coach.test:8443/ws"_s, u"https://coach.test:8443"_s}};
+    const std::vector<std::pair<QString, QString>> cases{{u"ws://127.0.0.1:3001/ws"_s, u"http://127.0.0.1:3001"_s},
+                                                         {u"wss://coach.test/ws"_s, u"https://coach.test"_s},
+                                                         {u"wss://coach.test:8443/ws"_s, u"https://coach.test:8443"_s}};
     for (const auto& [server, base] : cases) {
         SessionFixture fixture;
         fixture.auth->accessToken = u"token"_s;
