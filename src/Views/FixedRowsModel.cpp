@@ -22,6 +22,20 @@ void FixedRowsModel::assign(const std::vector<Row>& rows) {
     }
 }
 
+void FixedRowsModel::fitTo(const std::vector<Row>& rows) {
+    const auto present = static_cast<std::ptrdiff_t>(m_rows.size());
+    const auto wanted = static_cast<std::ptrdiff_t>(rows.size());
+    if (wanted < present) {
+        beginRemoveRows({}, static_cast<int>(wanted), static_cast<int>(present) - 1);
+        m_rows.resize(rows.size());
+        endRemoveRows();
+    } else if (wanted > present) {
+        beginInsertRows({}, static_cast<int>(present), static_cast<int>(wanted) - 1);
+        m_rows.insert(m_rows.end(), rows.begin() + present, rows.end());
+        endInsertRows();
+    }
+}
+
 QVariant FixedRowsModel::value(int row, const QByteArray& role) const {
     return data(index(row), Qt::UserRole + static_cast<int>(m_roles.indexOf(role)));
 }

@@ -30,6 +30,10 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+protected:
+    /// Takes rows away at the end, or adds those of `rows` that are missing there.
+    void fitTo(const std::vector<Row>& rows);
+
 private:
     QByteArrayList m_roles;
     std::vector<Row> m_rows;

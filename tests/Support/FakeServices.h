@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -449,6 +450,7 @@ public:
         briefs.push_back(query);
         auto answer = onBrief ? onBrief(query) : Result<SalesBrief>{};
         co_await gate.pass();
+        co_await briefGates[query.company.value_or(QString{})].pass();
         co_return answer;
     }
     Answer<HandoffResponse> fetchHandoff(QString, CompanyQuery query) override {
@@ -481,6 +483,8 @@ public:
 
     /// Holds every answer back.
     Gate gate;
+    /// Hold the briefs of single companies back, by their names.
+    std::map<QString, Gate> briefGates;
 };
 
 /// What the session owns of a fake socket that the test goes on looking at.

@@ -1,0 +1,299 @@
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include "HomeFixture.h"
+#include "Views/HomeView.h"
+
+namespace corvellan::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const Error refused = BriefingError{.status = 500};
+const QString refusal = u"Briefing API error (HTTP 500)"_s;
+
+class HomeLoadingTest : public testing::Test {
+protected:
+    void SetUp() override {
+        fixture.know({nordwind(), nordlicht()});
+        fixture.search(u"nord"_s);
+        briefings().onBrief = [](const CompanyQuery& query) {
+            return SalesBrief{.contacts = std::vector<SalesBriefContact>{{.lastname = query.company}}};
+        };
+        briefings().onHandoff = [](const CompanyQuery& query) {
+            return HandoffResponse{.handoffNote = u"# "_s + *query.company, .meta = HandoffMeta{.callCount = 3}};
+        };
+        briefings().onTimeline = [] {
+            return TimelineResponse{.timeline = {{.eventType = u"call"_s, .date = u"yesterday"_s, .owner = u"Kim"_s}}};
+        };
+    }
+
+    HomeView& home() { return fixture.home(); }
+    SessionViewModel& session() { return fixture.session.session(); }
+    FakeBriefings& briefings() { return fixture.briefings(); }
+    void unfold(int row = 0) {
+        home().toggleCompany(row);
+        settle();
+    }
+    QString contact() { return home().contacts().value(0).toMap().value(u"name"_s).toString(); }
+
+    HomeFixture fixture;
+};
+
+// MARK: - Brief
+
+TEST_F(HomeLoadingTest, unfoldingLoadsTheBriefOfTheCompany) {
+    briefings().gate.close();
+    unfold();
+    EXPECT_TRUE(home().isLoadingBrief());
+    EXPECT_FALSE(home().hasBrief());
+    briefings().gate.open();
+    settle();
+    EXPECT_FALSE(home().isLoadingBrief());
+    EXPECT_TRUE(home().hasBrief());
+    EXPECT_EQ(briefings().briefs,
+              (std::vector{
+                  CompanyQuery{.company = u"Nordwind Logistics GmbH"_s, .customerId = 42, .hubspotId = u"hs-42"_s}}));
+    EXPECT_EQ(contact(), u"Nordwind Logistics GmbH"_s);
+    EXPECT_EQ(home().selectedCompanyMatch(), nordwind());
+}
+
+TEST_F(HomeLoadingTest, aFailedBriefSaysWhy) {
+    briefings().onBrief = [](const CompanyQuery&) -> FakeBriefings::Result<SalesBrief> {
+        return std::unexpected(refused);
+    };
+    unfold();
+    EXPECT_FALSE(home().isLoadingBrief());
+    EXPECT_FALSE(home().hasBrief());
+    EXPECT_EQ(home().briefError(), refusal);
+    EXPECT_EQ(home().briefProblem(), refusal);
+    EXPECT_FALSE(home().selectedCompanyMatch());
+}
+
+TEST_F(HomeLoadingTest, theNextBriefForgetsTheLastOnesTrouble) {
+    briefings().onBrief = [](const CompanyQuery&) -> FakeBriefings::Result<SalesBrief> {
+        return std::unexpected(refused);
+    };
+    unfold(0);
+    briefings().gate.close();
+    unfold(1);
+    EXPECT_FALSE(home().briefError());
+    EXPECT_EQ(home().briefProblem(), QString{});
+}
+
+TEST_F(HomeLoadingTest, withoutATokenNothingIsLoadedAndNothingIsSaid) {
+    fixture.session.auth->accessToken.reset();
+    unfold();
+    home().toggleHandoff(0);
+    home().toggleTimeline(0);
+    settle();
+    EXPECT_TRUE(briefings().briefs.empty() && briefings().handoffs.empty() && briefings().timelines.empty());
+    EXPECT_FALSE(home().isLoadingBrief() || home().isLoadingHomeHandoff() || home().isLoadingHomeTimeline());
+    EXPECT_FALSE(home().briefError());
+}
+
+TEST_F(HomeLoadingTest, aBriefThatArrivesAfterAnotherWasAskedForOverwrites) {
+    Gate& slow = briefings().briefGates[u"Nordwind Logistics GmbH"_s];
+    slow.close();
+    unfold(0);
+    unfold(1);
+    EXPECT_EQ(contact(), u"Nordlicht Media"_s);
+    EXPECT_EQ(home().selectedCompanyMatch(), nordlicht());
+    slow.open();
+    settle();
+    EXPECT_EQ(contact(), u"Nordwind Logistics GmbH"_s) << "the loads bear no numbers";
+    EXPECT_EQ(home().selectedCompanyMatch(), nordwind());
+    EXPECT_EQ(home().expandedCompanyId(), u"hs-7"_s);
+}
+
+TEST_F(HomeLoadingTest, aBriefThatArrivesAfterTheRowWasFoldedIsKept) {
+    briefings().gate.close();
+    unfold(0);
+    unfold(0);
+    ASSERT_FALSE(home().expandedCompanyId());
+    briefings().gate.open();
+    settle();
+    EXPECT_TRUE(home().companyBrief());
+    EXPECT_FALSE(home().isLoadingBrief());
+}
+
+TEST_F(HomeLoadingTest, aBriefOfNothingShowsTheBackEndsExplanation) {
+    briefings().onBrief = [](const CompanyQuery&) { return SalesBrief{.error = u"No customer of that name"_s}; };
+    unfold();
+    EXPECT_EQ(home().briefRemark(), u"No customer of that name"_s);
+    briefings().onBrief = [](const CompanyQuery&) {
+        return SalesBrief{.revenue = SalesBriefRevenue{.total_orders = 2}, .error = u"No HubSpot company"_s};
+    };
+    unfold(1);
+    EXPECT_EQ(home().briefRemark(), QString{});
+}
+
+TEST_F(HomeLoadingTest, notesAreCounted) {
+    unfold();
+    EXPECT_EQ(home().notesTitle(), QString{});
+    briefings().onBrief = [](const CompanyQuery&) {
+        return SalesBrief{.notes = std::vector<SalesBriefNote>{{.body = u"One"_s}, {.body = u"Two"_s}}};
+    };
+    unfold(1);
+    EXPECT_EQ(home().notesTitle(), u"Notes (2)"_s);
+    EXPECT_EQ(home().notes()->value(0, "body"), u"One"_s);
+}
+
+TEST_F(HomeLoadingTest, linksOpenInTheBrowserIfTheyAreAddresses) {
+    briefings().onBrief = [](const CompanyQuery&) {
+        return SalesBrief{.links = SalesBriefLinks{.crm = u"https://crm.example/42"_s, .hubspot = u"no address"_s}};
+    };
+    unfold();
+    EXPECT_TRUE(home().hasCrmLink());
+    EXPECT_FALSE(home().hasHubspotLink());
+    home().openCrm();
+    home().openHubspot();
+    settle();
+    EXPECT_EQ(fixture.desktop.browser.pages, std::vector{QUrl{u"https://crm.example/42"_s}});
+}
+
+// MARK: - Handoff
+
+TEST_F(HomeLoadingTest, unfoldingTheHandoffLoadsItByItself) {
+    unfold();
+    briefings().gate.close();
+    home().toggleHandoff(0);
+    settle();
+    EXPECT_TRUE(home().homeHandoffExpanded());
+    EXPECT_TRUE(home().isLoadingHomeHandoff());
+    EXPECT_FALSE(home().hasHandoff());
+    briefings().gate.open();
+    settle();
+    EXPECT_FALSE(home().isLoadingHomeHandoff());
+    EXPECT_TRUE(home().hasHandoff());
+    EXPECT_EQ(home().handoffNote(), u"# Nordwind Logistics GmbH"_s);
+    EXPECT_EQ(home().handoffStatistics().size(), 1);
+    EXPECT_EQ(briefings().handoffs,
+              (std::vector{
+                  CompanyQuery{.company = u"Nordwind Logistics GmbH"_s, .customerId = 42, .hubspotId = u"hs-42"_s}}));
+    ASSERT_TRUE(session().cachedHandoff());
+    EXPECT_EQ(session().cachedHandoff()->handoffNote, u"# Nordwind Logistics GmbH"_s);
+}
+
+TEST_F(HomeLoadingTest, aHandoffThatIsThereOrOnItsWayIsNotLoadedAnew) {
+    unfold();
+    briefings().gate.close();
+    home().toggleHandoff(0);
+    settle();
+    home().toggleHandoff(0);
+    home().toggleHandoff(0);
+    settle();
+    briefings().gate.open();
+    settle();
+    home().toggleHandoff(0);
+    home().toggleHandoff(0);
+    settle();
+    EXPECT_EQ(briefings().handoffs.size(), 1U);
+}
+
+TEST_F(HomeLoadingTest, aFailedHandoffSaysWhyAndCanBeLoadedAgain) {
+    unfold();
+    auto good = std::exchange(briefings().onHandoff, [](const CompanyQuery&) -> FakeBriefings::Result<HandoffResponse> {
+        return std::unexpected(refused);
+    });
+    home().toggleHandoff(0);
+    settle();
+    EXPECT_EQ(home().briefError(), u"Handoff: "_s + refusal);
+    EXPECT_EQ(home().handoffProblem(), u"Handoff: "_s + refusal);
+    EXPECT_EQ(home().timelineProblem(), QString{});
+    EXPECT_EQ(home().briefProblem(), QString{}) << "the brief is there";
+    EXPECT_FALSE(home().isLoadingHomeHandoff());
+    EXPECT_FALSE(session().cachedHandoff());
+    briefings().onHandoff = good;
+    home().loadHandoffOf(0);
+    settle();
+    EXPECT_TRUE(home().hasHandoff());
+    EXPECT_EQ(home().handoffProblem(), QString{});
+}
+
+TEST_F(HomeLoadingTest, theHandoffIsCopiedAndOpened) {
+    home().copyHandoff();
+    home().openHandoffWindow();
+    EXPECT_TRUE(fixture.handoffWindow.shown.empty()) << "there is none yet";
+    unfold();
+    home().toggleHandoff(0);
+    settle();
+    home().copyHandoff();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"# Nordwind Logistics GmbH"_s);
+    home().openHandoffWindow();
+    ASSERT_EQ(fixture.handoffWindow.shown.size(), 1U);
+    EXPECT_EQ(fixture.handoffWindow.shown[0].handoffNote, u"# Nordwind Logistics GmbH"_s);
+}
+
+// MARK: - Timeline
+
+TEST_F(HomeLoadingTest, unfoldingTheTimelineLoadsItByItself) {
+    unfold();
+    EXPECT_EQ(home().eventCountText(), QString{});
+    home().toggleTimeline(0);
+    settle();
+    ASSERT_EQ(briefings().timelines.size(), 1U);
+    EXPECT_EQ(briefings().timelines[0].companyId, u"hs-42"_s);
+    EXPECT_FALSE(briefings().timelines[0].contactId);
+    EXPECT_EQ(briefings().timelines[0].daysBack, 90);
+    EXPECT_TRUE(home().hasEvents());
+    EXPECT_EQ(home().eventCountText(), u"1"_s);
+    EXPECT_EQ(home().events()->value(0, "date"), u"yesterday"_s);
+    home().toggleTimeline(0);
+    home().toggleTimeline(0);
+    settle();
+    EXPECT_EQ(briefings().timelines.size(), 1U);
+}
+
+TEST_F(HomeLoadingTest, aTimelineWithoutEventsIsLoadedAllTheSame) {
+    briefings().onTimeline = [] { return TimelineResponse{}; };
+    unfold();
+    home().toggleTimeline(0);
+    settle();
+    EXPECT_FALSE(home().hasEvents());
+    EXPECT_EQ(home().eventCountText(), u"0"_s);
+}
+
+TEST_F(HomeLoadingTest, aFailedTimelineSaysWhy) {
+    briefings().onTimeline = []() -> FakeBriefings::Result<TimelineResponse> { return std::unexpected(refused); };
+    unfold();
+    home().toggleTimeline(0);
+    settle();
+    EXPECT_EQ(home().briefError(), u"Timeline: "_s + refusal);
+    EXPECT_EQ(home().timelineProblem(), u"Timeline: "_s + refusal);
+    EXPECT_FALSE(home().isLoadingHomeTimeline());
+}
+
+TEST_F(HomeLoadingTest, anotherCompanysBriefFoldsHandoffAndTimeline) {
+    unfold(0);
+    home().toggleHandoff(0);
+    home().toggleTimeline(0);
+    settle();
+    unfold(1);
+    EXPECT_FALSE(home().homeHandoffExpanded() || home().homeTimelineExpanded());
+    EXPECT_FALSE(home().homeHandoff() || home().homeTimeline());
+    EXPECT_EQ(home().events()->rowCount(), 0);
+}
+
+// MARK: - Life
+
+TEST_F(HomeLoadingTest, theViewMayGoWhileAnswersAreOnTheirWay) {
+    briefings().gate.close();
+    unfold(0);
+    home().toggleHandoff(0);
+    home().toggleTimeline(0);
+    home().setQuickStartCompany(u"nordwind"_s);
+    settle();
+    fixture.forgetHome();
+    briefings().gate.open();
+    settleAfter(fixture.session.clock, std::chrono::seconds{1});
+    EXPECT_EQ(briefings().searches.size(), 1U) << "the search that was still waiting is not begun";
+    EXPECT_FALSE(session().cachedHandoff());
+}
+
+}  // namespace
+
+}  // namespace corvellan::test
