@@ -89,7 +89,8 @@ std::expected<IssuedTokens, TokenRefusal> AccountBook::redeemCode(const QString&
     if (found == m_codes.end())
         return invalidGrant(u"no such code, or long over"_s);
     if (found->isSpent) {
-        m_state.grants.remove(found->grantId);
+        if (m_state.grants.remove(found->grantId) > 0)
+            onChanged();
         return invalidGrant(u"the code is spent already"_s);
     }
     found->isSpent = true;
@@ -112,6 +113,7 @@ std::expected<IssuedTokens, TokenRefusal> AccountBook::redeemCode(const QString&
     auto tokens = issue(found->grantId);
     if (const auto& first = m_state.grants[found->grantId].refreshToken; !first.isEmpty())
         tokens.refreshToken = first;
+    onChanged();
     return tokens;
 }
 
@@ -127,15 +129,21 @@ std::expected<IssuedTokens, TokenRefusal> AccountBook::refresh(const QString& re
     if (m_settings.refreshTokens == RefreshTokens::rotate) {
         found->refreshToken = secret(u"refresh_"_s);
         tokens.refreshToken = found->refreshToken;
+        onChanged();
     }
     return tokens;
 }
 
 bool AccountBook::revoke(const QString& token) {
+    qsizetype removed = 0;
     if (const auto found = claims(token))
-        return m_state.grants.remove(found->value(u"sid"_s).toString()) > 0;
-    return m_state.grants.removeIf(
-               [&](const auto& entry) { return !token.isEmpty() && entry.value().refreshToken == token; }) > 0;
+        removed = m_state.grants.remove(found->value(u"sid"_s).toString());
+    else
+        removed = m_state.grants.removeIf(
+            [&](const auto& entry) { return !token.isEmpty() && entry.value().refreshToken == token; });
+    if (removed > 0)
+        onChanged();
+    return removed > 0;
 }
 
 std::optional<QString> AccountBook::userOf(const QString& accessToken) const {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <expected>
+#include <functional>
 #include <optional>
 #include <QByteArray>
 #include <QHash>
@@ -74,6 +75,8 @@ public:
 
     [[nodiscard]] const AccountSettings& settings() const { return m_settings; }
     [[nodiscard]] const State& state() const { return m_state; }
+    /// Called after each change of `state`.
+    std::function<void()> onChanged = [] {};
     /// Takes up where another book left.
     void restore(State state) { m_state = std::move(state); }
 

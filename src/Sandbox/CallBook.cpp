@@ -56,10 +56,23 @@ void CallBook::addFeedback(CallRecord& call, CallRecord::Feedback feedback) {
     if (call.feedback.size() >= mostFeedback)
         call.feedback.erase(call.feedback.begin());
     call.feedback.push_back(std::move(feedback));
+    noteChange(call);
 }
 
 void CallBook::setOutcome(CallRecord& call, CallOutcome outcome) {
     call.outcome = outcome;
+    noteChange(call);
+}
+
+void CallBook::finish(CallRecord& call, WallTime at, std::chrono::seconds duration) {
+    call.endedAt = at;
+    call.durationSecs = static_cast<std::uint64_t>(duration.count());
+    noteChange(call);
+}
+
+void CallBook::noteChange(const CallRecord& call) const {
+    if (call.endedAt)
+        onChanged(call);
 }
 
 QJsonObject listedCall(const CallRecord& call) {

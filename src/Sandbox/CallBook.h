@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <QJsonObject>
 #include <QString>
@@ -51,9 +53,17 @@ public:
     void addFeedback(CallRecord& call, CallRecord::Feedback feedback);
     void setOutcome(CallRecord& call, CallOutcome outcome);
 
+    /// The call is over, by `end_session` or by a lost connection.
+    void finish(CallRecord& call, WallTime at, std::chrono::seconds duration);
+
     [[nodiscard]] const std::deque<CallRecord>& calls() const { return m_calls; }
 
+    /// Called after each change of a call that is over.
+    std::function<void(const CallRecord&)> onChanged = [](const CallRecord&) {};
+
 private:
+    void noteChange(const CallRecord& call) const;
+
     std::deque<CallRecord> m_calls;
 };
 

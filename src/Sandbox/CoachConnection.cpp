@@ -52,6 +52,8 @@ CoachConnection::CoachConnection(std::unique_ptr<QWebSocket> socket, int number,
 
 CoachConnection::~CoachConnection() {
     m_socket->disconnect(this);
+    // The sandbox ends within the call.
+    lose();
 }
 
 void CoachConnection::take(const QByteArray& frame) {
@@ -179,16 +181,19 @@ void CoachConnection::end() {
     }
     m_state = State::ended;
     note(u"end_session"_s);
-    m_call->endedAt = m_context.clock.wallNow();
-    m_call->durationSecs = static_cast<std::uint64_t>(
-        std::chrono::floor<std::chrono::seconds>(m_context.clock.now() - m_startedAt).count());
-    m_call->coachingPoints = m_coach->coachingPoints();
     m_call->hasSummary = true;
-    m_context.tokens.revoke(m_call->sessionId);
+    finish();
     if (const auto delay = m_context.settings.faults.slowSummary)
         later(m_context.clock, *delay, this, [this] { summarise(); });
     else
         summarise();
+}
+
+void CoachConnection::finish() {
+    m_call->coachingPoints = m_coach->coachingPoints();
+    m_context.tokens.revoke(m_call->sessionId);
+    m_context.calls.finish(*m_call, m_context.clock.wallNow(),
+                           std::chrono::floor<std::chrono::seconds>(m_context.clock.now() - m_startedAt));
 }
 
 void CoachConnection::summarise() {
@@ -217,11 +222,7 @@ void CoachConnection::lose() {
     if (m_state != State::running)
         return;
     m_state = State::ended;
-    m_call->endedAt = m_context.clock.wallNow();
-    m_call->durationSecs = static_cast<std::uint64_t>(
-        std::chrono::floor<std::chrono::seconds>(m_context.clock.now() - m_startedAt).count());
-    m_call->coachingPoints = m_coach->coachingPoints();
-    m_context.tokens.revoke(m_call->sessionId);
+    finish();
     note(u"the connection was lost within a session"_s);
 }
 

@@ -35,6 +35,7 @@ private:
     void start(const StartSessionPayload& start);
     void hear(const ClientMsg::Transcript& transcript);
     void end();
+    void finish();
     void summarise();
     void refreshToken();
     void lose();

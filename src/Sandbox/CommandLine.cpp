@@ -38,6 +38,7 @@ QString helpText() {
            u"  --chat-port N              the chat back-end's port, 0 for a free one (3002)\n"
            u"  --stt-port N               the provider's port, 0 for a free one (3003)\n"
            u"  --keep-audio DIR           keep what was received: DIR/<session>/mic.wav and system.wav\n"
+           u"  --state DIR                keep sign-ins, calls and the extension's context there over restarts\n"
            u"  --close-after MS           from the summary to the close (500)\n"
            u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n"
            u"  --customers FILE           customers, meetings and training scenarios in place of those that come "
@@ -198,6 +199,7 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
         {u"code-lifetime"_s, {}, u"seconds"_s, u"60"_s},
         {u"refresh-tokens"_s, {}, u"how"_s, u"rotate"_s},
         {u"keep-audio"_s, {}, u"folder"_s},
+        {u"state"_s, {}, u"folder"_s},
         {u"close-after"_s, {}, u"ms"_s, u"500"_s},
         {u"update"_s, {}, u"version"_s},
         {u"customers"_s, {}, u"file"_s},
@@ -225,6 +227,11 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
     serve.options.providerPort = static_cast<quint16>(*providerPort);
     serve.options.closeAfter = std::chrono::milliseconds{*closeAfter};
     serve.options.keepAudioFolder = parser.value(u"keep-audio"_s);
+    if (parser.isSet(u"state"_s)) {
+        serve.options.stateFolder = parser.value(u"state"_s);
+        if (serve.options.stateFolder.isEmpty())
+            return Bad{u"--state takes the name of a folder"_s};
+    }
     if (parser.isSet(u"update"_s))
         serve.options.feedVersion = parser.value(u"update"_s);
     if (parser.isSet(u"customers"_s)) {

@@ -56,6 +56,13 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
 std::expected<std::unique_ptr<Sandbox>, Error> Sandbox::start(SandboxOptions options, Clock& clock,
                                                               const EventLog& log) {
     std::unique_ptr<Sandbox> sandbox{new Sandbox{options, clock, log}};
+    if (!options.stateFolder.isEmpty()) {
+        auto state = StateFolder::open(options.stateFolder, log);
+        if (!state)
+            return std::unexpected(state.error());
+        sandbox->m_state = std::move(*state);
+        sandbox->m_state->attach(sandbox->m_accounts, sandbox->m_calls, sandbox->m_sensor);
+    }
     if (const auto listening = sandbox->listen(options); !listening)
         return std::unexpected(listening.error());
     return sandbox;

@@ -19,6 +19,7 @@
 #include "FrameBook.h"
 #include "ProviderServer.h"
 #include "SensorBook.h"
+#include "StateFolder.h"
 #include "TokenBook.h"
 #include "WireProxy.h"
 
@@ -30,6 +31,8 @@ struct SandboxOptions {
     quint16 providerPort = 3003;
     UtteranceTextsMaker texts = lengthTexts();
     QString keepAudioFolder;
+    /// Where sign-ins, calls and the extension's context outlive the sandbox; nowhere when empty.
+    QString stateFolder;
     std::chrono::milliseconds closeAfter{500};
     /// What the feed of new versions announces; the version of this build unless given.
     std::optional<QString> feedVersion;
@@ -46,7 +49,7 @@ struct SandboxOptions {
 /// thread with an executor; the clock and the log must outlive it.
 class Sandbox {
 public:
-    /// Fails when a port is taken; nothing listens then.
+    /// Fails when a port is taken, or the folder for the state cannot be had; nothing listens then.
     [[nodiscard]] static std::expected<std::unique_ptr<Sandbox>, Error> start(SandboxOptions options, Clock& clock,
                                                                               const EventLog& log);
 
@@ -75,6 +78,7 @@ private:
     Admission m_admission;
     SensorBook m_sensor;
     FrameBook m_frames;
+    std::unique_ptr<StateFolder> m_state;
     ProviderServer m_provider;
     ChatServer m_chat;
     CoachServer m_coach;

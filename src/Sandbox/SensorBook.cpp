@@ -86,6 +86,12 @@ QJsonObject SensorReport::json() const {
 }
 
 std::optional<ServerMsg> SensorBook::take(const SensorReport& report, const CustomerBook& customers, WallTime now) {
+    auto message = apply(report, customers, now);
+    onChanged();
+    return message;
+}
+
+std::optional<ServerMsg> SensorBook::apply(const SensorReport& report, const CustomerBook& customers, WallTime now) {
     if (report.event == SensorReport::Event::disconnect) {
         m_state = {};
         return std::nullopt;

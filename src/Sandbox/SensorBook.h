@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <optional>
 #include <QJsonObject>
 #include <QString>
@@ -49,6 +50,8 @@ public:
 
     [[nodiscard]] const State& state() const { return m_state; }
     void restore(State state) { m_state = std::move(state); }
+    /// Called after each report.
+    std::function<void()> onChanged = [] {};
 
     /// What the clients that listen are to be told. Nothing when the extension has gone. What a report leaves open
     /// comes from the customers, or from the context before.
@@ -58,6 +61,8 @@ public:
     [[nodiscard]] QJsonObject status() const;
 
 private:
+    std::optional<ServerMsg> apply(const SensorReport& report, const CustomerBook& customers, WallTime now);
+
     State m_state;
 };
 

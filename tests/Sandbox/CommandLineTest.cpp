@@ -63,6 +63,11 @@ TEST(CommandLineTest, takesFaultsAndProxies) {
     EXPECT_EQ(both.coachWire->amount, 7);
 }
 
+TEST(CommandLineTest, keepsItsStateWhereItIsTold) {
+    EXPECT_TRUE(serve({}).options.stateFolder.isEmpty());
+    EXPECT_EQ(serve({u"--state"_s, u"/tmp/x"_s}).options.stateFolder, u"/tmp/x"_s);
+}
+
 TEST(CommandLineTest, announcesWhateverVersionIsAskedFor) {
     EXPECT_EQ(serve({u"--update"_s, u"9.0"_s}).options.feedVersion, u"9.0"_s);
     EXPECT_EQ(serve({u"--update"_s, QString{}}).options.feedVersion, QString{});
@@ -168,6 +173,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadArguments{{u"--script"_s, u"nothing"_s}, u"nothing: cannot read nothing: No such file or directory"},
         BadArguments{{u"--customers"_s, u"/nowhere"_s},
                      u"--customers /nowhere: cannot read it: No such file or directory"},
+        BadArguments{{u"--state"_s, QString{}}, u"--state takes the name of a folder"},
         BadArguments{{u"extension"_s},
                      u"Usage: corvellan-sandbox extension call-start | call-end | context | disconnect [options]"},
         BadArguments{{u"extension"_s, u"dance"_s},
