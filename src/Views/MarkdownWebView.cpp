@@ -4,9 +4,11 @@
 #include <QAbstractTextDocumentLayout>
 #include <QClipboard>
 #include <QCursor>
+#include <QFocusEvent>
 #include <QGuiApplication>
 #include <QHoverEvent>
 #include <QKeyEvent>
+#include <QMarginsF>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
@@ -31,8 +33,8 @@ constexpr QColor headingLine{255, 255, 255, 26};
 constexpr QColor hoveredGround{255, 255, 255, 8};
 constexpr QColor selectedGround{0x2a, 0x5d, 0x9c};
 constexpr qreal headingLineDistance = 4;
-// The sides of a table's cells, as its style has them.
-constexpr qreal cellPadding = 5;
+// The sides of a cell in a table's body, as its style has them.
+constexpr QMarginsF cellPadding{10, 5, 10, 5};
 constexpr qreal lineStep = 24;
 
 Executor*& worker() {
@@ -272,6 +274,23 @@ void MarkdownWebView::geometryChange(const QRectF& newGeometry, const QRectF& ol
         scrollTo(m_content);
 }
 
+void MarkdownWebView::focusInEvent(QFocusEvent* event) {
+    QQuickPaintedItem::focusInEvent(event);
+    setVisualFocus(event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason);
+}
+
+void MarkdownWebView::focusOutEvent(QFocusEvent* event) {
+    QQuickPaintedItem::focusOutEvent(event);
+    setVisualFocus(false);
+}
+
+void MarkdownWebView::setVisualFocus(bool hasVisualFocus) {
+    if (m_hasVisualFocus == hasVisualFocus)
+        return;
+    m_hasVisualFocus = hasVisualFocus;
+    Q_EMIT visualFocusChanged();
+}
+
 void MarkdownWebView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy)) {
         copy();
@@ -391,10 +410,11 @@ QRectF MarkdownWebView::rowAt(QPointF page) const {
         for (auto it = cell.begin(); !it.atEnd(); ++it)
             rect |= layout.blockBoundingRect(it.currentBlock());
     }
-    const QRectF whole = layout.frameBoundingRect(table);
-    rect.setLeft(whole.left());
-    rect.setRight(whole.right());
-    return rect.adjusted(0, -cellPadding, 0, cellPadding);
+    // The text in the last cells may end anywhere.
+    const qreal margin = m_document->documentMargin();
+    rect = rect.marginsAdded(cellPadding);
+    rect.setRight(std::max(rect.right(), m_document->size().width() - margin));
+    return rect;
 }
 
 }  // namespace corvellan

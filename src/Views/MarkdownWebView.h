@@ -44,6 +44,8 @@ class MarkdownWebView : public QQuickPaintedItem {
     Q_PROPERTY(QVariantList links READ links NOTIFY layoutChanged)
     /// The address of the link under the pointer.
     Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged)
+    /// The keyboard has come here by the Tab key.
+    Q_PROPERTY(bool visualFocus READ hasVisualFocus NOTIFY visualFocusChanged)
 
 public:
     static constexpr int mostLinks = 100;
@@ -77,6 +79,7 @@ public:
     [[nodiscard]] QString selectedText() const;
     [[nodiscard]] const QVariantList& links() const { return m_links; }
     [[nodiscard]] const QString& hoveredLink() const { return m_hoveredLink; }
+    [[nodiscard]] bool hasVisualFocus() const { return m_hasVisualFocus; }
 
     Q_INVOKABLE void selectAll();
     /// Puts the selection on the clipboard as plain text. Without one nothing happens.
@@ -92,11 +95,14 @@ Q_SIGNALS:
     void scrolled();
     void selectionChanged();
     void hoveredLinkChanged();
+    void visualFocusChanged();
     /// The user has pressed a link.
     void linkActivated(const QString& address);
 
 protected:
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -114,6 +120,7 @@ private:
     void scrollTo(QPointF place);
     void scrollBy(qreal x, qreal y) { scrollTo(m_content + QPointF{x, y}); }
     void setSelection(const QTextCursor& selection);
+    void setVisualFocus(bool hasVisualFocus);
     void hover(std::optional<QPointF> place);
 
     [[nodiscard]] QPointF onPage(QPointF place) const { return (place + m_content) / m_zoom; }
@@ -133,6 +140,7 @@ private:
     QTextCursor m_selection;
     QString m_hoveredLink;
     QRectF m_hoveredRow;
+    bool m_hasVisualFocus = false;
     /// What was under the pointer when the button went down.
     QString m_pressedLink;
 };

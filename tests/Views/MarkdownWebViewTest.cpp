@@ -288,10 +288,14 @@ TEST_F(MarkdownWebViewTest, thereIsABoundOnLinksForTheKeyboard) {
 TEST_F(MarkdownWebViewTest, theRowUnderThePointerStandsOut) {
     view->setMarkdown(u"| head |\n|---|\n| body |"_s);
     const QImage before = picture();
-    const auto differsAt = [&](int y) { return picture().pixel(300, y) != before.pixel(300, y); };
+    const auto differsAt = [&](QPoint place) { return picture().pixel(place) != before.pixel(place); };
     const int body = static_cast<int>(view->contentHeight()) - 16 - 8 - 12;
     QTest::mouseMove(&window, {100, body});
-    EXPECT_TRUE(differsAt(body));
+    // As wide as the table, and no wider.
+    for (const int x : {17, 300, 382})
+        EXPECT_TRUE(differsAt({x, body})) << x;
+    for (const int x : {14, 386})
+        EXPECT_FALSE(differsAt({x, body})) << x;
     const int head = 16 + 8 + 12;
     QTest::mouseMove(&window, {100, head});
     EXPECT_EQ(picture(), before);

@@ -143,6 +143,7 @@ Item {
         color: "transparent"
         border.width: 2
         border.color: root.theme.focusRing
-        visible: page.activeFocus
+        objectName: "focusRing"
+        visible: page.visualFocus
     }
 }

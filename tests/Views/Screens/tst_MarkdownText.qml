@@ -98,6 +98,19 @@ TestCase {
         compare(links.signalArguments[0][0], "tel:+49 30 123456");
     }
 
+    function test_theRingShowsThatTheTabKeyLedHere() {
+        const item = make("text");
+        const page = findChild(item, "page");
+        page.forceActiveFocus(Qt.TabFocusReason);
+        verify(findChild(item, "focusRing").visible);
+        mouseClick(item);
+        testCase.forceActiveFocus();
+        verify(!findChild(item, "focusRing").visible);
+        mouseClick(page);
+        verify(page.activeFocus);
+        verify(!findChild(item, "focusRing").visible);
+    }
+
     function test_aLinkIsPressedByMouse() {
         const item = make("jo@mail.example");
         const link = findChild(item, "link0");
