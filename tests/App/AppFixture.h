@@ -115,6 +115,7 @@ protected:
     // Stand-ins, unless a test has the real ones.
     virtual NotificationCenter& notificationCenter() { return desktop.notifications; }
     virtual WindowActivation& windowActivation() { return desktop.activation; }
+    virtual HandoffWindowController& handoffWindowController() { return handoffWindow; }
 
     [[nodiscard]] qsizetype count(const std::string& step) const { return std::ranges::count(log, step); }
 
@@ -147,7 +148,7 @@ private:
                         .captureHiding = captureHiding,
                         .browser = desktop.browser,
                         .appearance = desktop.appearance},
-            .handoffWindow = handoffWindow,
+            .handoffWindow = handoffWindowController(),
             .makeUpdater =
                 [this] {
                     log.emplace_back("make updater");
