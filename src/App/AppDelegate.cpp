@@ -120,7 +120,8 @@ void AppDelegate::makePanel() {
                      .chatUrl = m_environment.session.chatUrl,
                      .extensionUrl = m_environment.extensionUrl,
                      .version = m_environment.runningVersion,
-                     .build = m_environment.runningBuild},
+                     .build = m_environment.runningBuild,
+                     .sharesWindows = m_environment.sharesWindows},
         .selfTest = m_environment.captureTest,
     });
     connect(m_panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::onPanelClosed);

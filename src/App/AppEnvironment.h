@@ -60,6 +60,8 @@ struct AppEnvironment {
     QString runningVersion;
     QString runningBuild;
     QString extensionUrl;  ///< Where the browser extension is to be had.
+    /// The coach can get the picture of a window; otherwise that of the whole screen.
+    bool sharesWindows = true;
     /// When `main` began, for the start-up figures.
     MonotonicTime launchedAt{};
     /// Ends the event loop.

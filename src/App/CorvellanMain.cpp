@@ -157,6 +157,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
         .runningVersion = deployment::version(),
         .runningBuild = deployment::build(),
         .extensionUrl = deployment::extensionUrl(),
+        .sharesWindows = parts.screenCaptures->seesWindows(),
         .launchedAt = launchedAt,
         .terminate = [] { QCoreApplication::exit(0); },
         .captureTest = CaptureSelfTest::Means{*parts.screenPictures, parts.clock, parts.worker.executor()},

@@ -68,6 +68,8 @@ public:
     /// For one stretch of sharing: what the user refuses in it stays refused until the next. Any thread,
     /// never waits; what can't be reached fails each question.
     [[nodiscard]] virtual std::shared_ptr<ScreenCapture> open() = 0;
+    /// The desktop tells programs of each other's windows. Where it doesn't, whole displays are all there is.
+    [[nodiscard]] virtual bool seesWindows() const = 0;
 };
 
 }  // namespace corvellan

@@ -207,6 +207,17 @@ QString SettingsView::fontSizeText() const {
     return index < 0 ? QString::number(m_session.fontScale()) + u'x' : fontSizes().at(index);
 }
 
+QString SettingsView::sharingText() const {
+    const QString text =
+        u"Lets the coach see the frontmost window you're working on (HubSpot, deck, notes). Nothing is uploaded unless "
+        "the screen changes, and frames are never written to disk."_s;
+    if (m_parts.sharesWindows)
+        return text;
+    return text +
+           u" This desktop shows programs no single windows: the coach sees your whole screen, and the desktop itself "
+           "writes each picture to a file, which is removed at once."_s;
+}
+
 bool SettingsView::sharesScreen() const {
     return m_session.isScreenShareEnabled();
 }

@@ -36,6 +36,9 @@ struct SettingsParts {
     QString extensionUrl;   ///< Where the browser extension is to be had.
     QString version;        ///< The short version string.
     QString build;
+
+    /// The coach gets the active window; otherwise the whole screen is all that can be shared.
+    bool sharesWindows = true;
 };
 
 /// A permission as the settings show it.
@@ -85,6 +88,8 @@ class SettingsView : public QObject {
 
     // Screen context
     Q_PROPERTY(bool sharesScreen READ sharesScreen WRITE setSharesScreen NOTIFY sharesScreenChanged)
+    /// What that means, and what is different about it on this desktop.
+    Q_PROPERTY(QString sharingText READ sharingText CONSTANT)
 
     // Browser extension
     Q_PROPERTY(bool sensorConnected READ sensorConnected NOTIFY sensorChanged)
@@ -157,6 +162,7 @@ public:
     [[nodiscard]] QString fontSizeText() const;
 
     [[nodiscard]] bool sharesScreen() const;
+    [[nodiscard]] QString sharingText() const;
     void setSharesScreen(bool shares);
 
     [[nodiscard]] bool sensorConnected() const;

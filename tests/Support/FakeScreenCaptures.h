@@ -10,6 +10,7 @@ namespace corvellan::test {
 /// A desktop of the test's making. Answers on the main thread, whoever asks, and keeps what was pictured.
 class FakeScreenCaptures final : public ScreenCaptures {
 public:
+    [[nodiscard]] bool seesWindows() const override { return true; }
     struct Pictured {
         enum class Kind { window, display };
 

@@ -532,6 +532,16 @@ TEST_F(SettingsViewTest, systemSettingsOpenAtScreenCapture) {
     EXPECT_EQ(settings.desktop.settings.opened, std::vector{PrivacyPane::screenCapture});
 }
 
+TEST(SharingTextTest, aDesktopWithoutWindowsSharesTheWholeScreenAndSaysSo) {
+    SessionFixture fixture;
+    SettingsFixture desktop{fixture.preferences};
+    auto parts = desktop.parts();
+    const auto text = [&] { return SettingsView{fixture.session(), fixture.preferences, parts}.sharingText(); };
+    EXPECT_TRUE(text().endsWith(u"frames are never written to disk."_s));
+    parts.sharesWindows = false;
+    EXPECT_TRUE(text().contains(u"the coach sees your whole screen"_s));
+}
+
 // MARK: - About
 
 TEST_F(SettingsViewTest, aboutTellsVersionAndBuild) {

@@ -188,7 +188,7 @@ FocusScope {
                             objectName: "shareScreen"
                             theme: root.theme
                             text: qsTr("Share active window with coach")
-                            caption: qsTr("Lets the coach see the frontmost window you're working on (HubSpot, deck, notes). Nothing is uploaded unless the screen changes, and frames are never written to disk.")
+                            caption: root.settings.sharingText
                             isOn: root.settings.sharesScreen
                             onChanged: isOn => root.settings.sharesScreen = isOn
                         }

@@ -18,6 +18,7 @@ public:
     PortalScreenCaptures(QDBusConnection bus, Executor& main, Executor& worker, Clock& clock);
 
     [[nodiscard]] std::shared_ptr<ScreenCapture> open() override;
+    [[nodiscard]] bool seesWindows() const override { return false; }
 
 private:
     QDBusConnection m_bus;

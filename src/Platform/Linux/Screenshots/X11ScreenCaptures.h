@@ -19,6 +19,7 @@ public:
     X11ScreenCaptures(Executor& worker, Clock& clock, QByteArray display = {});
 
     [[nodiscard]] std::shared_ptr<ScreenCapture> open() override;
+    [[nodiscard]] bool seesWindows() const override { return true; }
 
 private:
     Executor& m_worker;
