@@ -34,8 +34,8 @@ protected:
         session().setSessionMode(u"coach"_s);
         session().setCachedHandoff(HandoffResponse{.handoffNote = note});
         ASSERT_TRUE(spinUntil([this] {
-            return panel().isExposed() && panel().isSettled() && panel().size() == QSize(500, 400) &&
-                   panel().rootObject()->width() == 500 && find(u"companyRow"_s);
+            return panel().isExposed() && panel().isActive() && panel().isSettled() &&
+                   panel().size() == QSize(500, 400) && panel().rootObject()->width() == 500 && find(u"companyRow"_s);
         }));
         // Everything stands where the next frame shows it.
         int frames = 0;
