@@ -4,6 +4,7 @@
 #include <QJsonObject>
 
 #include "BriefingRoutes.h"
+#include "CustomerPages.h"
 #include "Listening.h"
 #include "SignInRoutes.h"
 
@@ -18,6 +19,7 @@ ChatServer::ChatServer(AccountBook& accounts, const CustomerBook& customers, Fau
     m_http->route(u"/health"_s, [] { return QJsonObject{{u"status"_s, u"ok"_s}}; });
     addSignInRoutes(*m_http, accounts, m_faults, log);
     addBriefingRoutes(*m_http, accounts, customers, clock, log);
+    addCustomerPages(*m_http, customers);
 }
 
 ChatServer::~ChatServer() = default;
