@@ -12,8 +12,9 @@ class NoteDocument final : public QTextDocument {
     Q_OBJECT
 
 public:
-    /// Beyond these a text is no page any more, and laying it out would take seconds; only its beginning is shown.
-    static constexpr qsizetype mostCharacters = 50'000;
+    /// Beyond these a text is no page any more, and only its beginning is shown: laying out one long word takes a time
+    /// that grows with its square, and that happens where it is drawn, at every change of its width.
+    static constexpr qsizetype mostCharacters = 30'000;
     static constexpr qsizetype mostPieces = 2'000;  ///< Lines and table cells.
 
     /// \param thread where the document will live.
