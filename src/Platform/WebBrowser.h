@@ -2,6 +2,7 @@
 
 #include <expected>
 #include <QCoroTask>
+#include <QString>
 #include <QUrl>
 
 #include "Base/Error.h"
@@ -20,6 +21,10 @@ public:
     /// Begins a mail or a telephone call: a "mailto" link with one plain address and nothing else, or a "tel" link.
     /// As above, the desktop has then taken it over or has refused it.
     virtual QCoro::Task<std::expected<void, Error>> openContact(QUrl link) = 0;
+
+    /// Begins a mail with a subject and a text, to nobody yet. As above. Refused for a text that is longer than
+    /// desktops hand over, which is about a hundred kilobytes.
+    virtual QCoro::Task<std::expected<void, Error>> composeMail(QString subject, QString text) = 0;
 };
 
 }  // namespace corvellan

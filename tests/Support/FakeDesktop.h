@@ -319,11 +319,22 @@ public:
         co_return {};
     }
 
+    QCoro::Task<std::expected<void, Error>> composeMail(QString subject, QString text) override {
+        m_log.emplace_back("browser.composeMail");
+        mails.emplace_back(std::move(subject), std::move(text));
+        co_await gate.pass();
+        if (failure)
+            co_return std::unexpected(*failure);
+        co_return {};
+    }
+
     Gate gate;
     std::optional<Error> failure;
     /// All that were asked for, in order.
     std::vector<QUrl> pages;
     std::vector<QUrl> contacts;
+    /// Subject and text of each.
+    std::vector<std::pair<QString, QString>> mails;
 
 private:
     CallLog& m_log;

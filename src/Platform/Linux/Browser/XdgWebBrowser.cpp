@@ -99,6 +99,17 @@ QCoro::Task<Result> XdgWebBrowser::openContact(QUrl link) {
     co_return failure(u"This is no mail address and no telephone number."_s);
 }
 
+QCoro::Task<Result> XdgWebBrowser::composeMail(QString subject, QString text) {
+    // Lines of a mail end in both characters.
+    const QString lines = text.replace(u"\r\n"_s, u"\n"_s).replace(u'\n', u"\r\n"_s);
+    const QByteArray address =
+        "mailto:?subject=" + QUrl::toPercentEncoding(subject) + "&body=" + QUrl::toPercentEncoding(lines);
+    if (address.size() > longestAddress)
+        co_return failure(u"The text is too long to be handed to a mail program."_s);
+    co_return co_await handOver(QString::fromLatin1(address),
+                                u"No mail program took the text (xdg-open ended with status %1)."_s);
+}
+
 QCoro::Task<Result> XdgWebBrowser::handOver(QString address, QString refusal) {
     const QString program = QStandardPaths::findExecutable(u"xdg-open"_s);
     if (program.isEmpty())

@@ -108,6 +108,24 @@ TEST_F(XdgWebBrowserTest, saysThatNothingTakesAContact) {
               u"No program here takes telephone numbers (xdg-open ended with status 3)."_s);
 }
 
+TEST_F(XdgWebBrowserTest, aMailKeepsItsSubjectAndItsLines) {
+    install("printf '%s' \"$1\" >address; printf '%s' \"$#\" >count");
+    EXPECT_TRUE(complete(browser.composeMail(u"Report: A & B"_s, u"one\n20 % + two&attach=/etc/passwd\r\nö"_s)));
+    EXPECT_EQ(contents(u"address"_s),
+              "mailto:?subject=Report%3A%20A%20%26%20B&body=one%0D%0A20%20%25%20%2B%20two%26attach%3D%2Fetc%2Fpasswd"
+              "%0D%0A%C3%B6");
+    EXPECT_EQ(contents(u"count"_s), "1");
+}
+
+TEST_F(XdgWebBrowserTest, aMailThatIsTooLongIsNotBegun) {
+    install("touch opened");
+    const auto tooLong = complete(browser.composeMail({}, QString{XdgWebBrowser::longestAddress, u'x'}));
+    ASSERT_FALSE(tooLong);
+    EXPECT_EQ(tooLong.error().errorDescription(), u"The text is too long to be handed to a mail program."_s);
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"opened"_s)));
+    EXPECT_TRUE(complete(browser.composeMail({}, QString{100'000, u'x'}))) << "the system hands this over";
+}
+
 TEST_F(XdgWebBrowserTest, saysThatNoBrowserIsThere) {
     install("exit 3");
     EXPECT_EQ(problem(page), u"No web browser took the address (xdg-open ended with status 3)."_s);
