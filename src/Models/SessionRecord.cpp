@@ -4,6 +4,11 @@ using namespace Qt::StringLiterals;
 
 namespace corvellan {
 
+QString formattedDuration(std::int64_t seconds) {
+    constexpr std::int64_t secondsPerMinute = 60;
+    return u"%1m %2s"_s.arg(seconds / secondsPerMinute).arg(seconds % secondsPerMinute);
+}
+
 SessionRecord SessionRecord::make(Contents contents, WallTime now) {
     SessionRecord record;
     record.id = QUuid::createUuid();
@@ -35,11 +40,6 @@ AudienceType SessionRecord::audience() const {
     if (!audienceRaw)
         return AudienceType::directSale;
     return audienceType(audienceRaw->toStdString()).value_or(AudienceType::directSale);
-}
-
-QString SessionRecord::formattedDuration() const {
-    constexpr std::int64_t secondsPerMinute = 60;
-    return u"%1m %2s"_s.arg(durationSecs / secondsPerMinute).arg(durationSecs % secondsPerMinute);
 }
 
 }  // namespace corvellan

@@ -14,6 +14,9 @@
 
 namespace corvellan {
 
+/// Minutes and seconds without padding: "1m 15s", "60m 0s".
+[[nodiscard]] QString formattedDuration(std::int64_t seconds);
+
 /// The stored form of one finished call or training session; the members are the persisted columns,
 /// in their order. A plain value.
 struct SessionRecord {
@@ -58,8 +61,7 @@ struct SessionRecord {
     [[nodiscard]] BuyerDisc disc() const;
     /// An absent or unknown raw value reads as a direct sale.
     [[nodiscard]] AudienceType audience() const;
-    /// Minutes and seconds without padding: "1m 15s", "60m 0s".
-    [[nodiscard]] QString formattedDuration() const;
+    [[nodiscard]] QString formattedDuration() const { return corvellan::formattedDuration(durationSecs); }
 
     bool operator==(const SessionRecord&) const = default;
 };

@@ -179,6 +179,9 @@ public:
     }
     [[nodiscard]] SessionStoreProtocol* modelContext() const { return m_modelContext; }
 
+    /// What it was made with: screens read the same clock and write to the same logs.
+    [[nodiscard]] const SessionEnvironment& environment() const { return m_environment; }
+
     // MARK: - Derived state
 
     /// `serverURL` names this machine, so that no sign-in is needed.

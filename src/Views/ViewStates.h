@@ -9,6 +9,7 @@
 #include "DashboardView.h"
 #include "IdleView.h"
 #include "LiveSessionView.h"
+#include "SessionHistoryView.h"
 #include "SettingsView.h"
 #include "Shell/Stealth/CaptureSelfTest.h"
 #include "StealthView.h"
@@ -29,6 +30,7 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::LiveSessionView* live READ live CONSTANT)
     Q_PROPERTY(corvellan::CoachingOverlayView* overlay READ overlay CONSTANT)
     Q_PROPERTY(corvellan::IdleView* idle READ idle CONSTANT)
+    Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
     Q_PROPERTY(corvellan::StealthView* stealth READ stealth CONSTANT)
     Q_PROPERTY(corvellan::Theme* theme READ theme CONSTANT)
@@ -55,6 +57,7 @@ public:
     [[nodiscard]] LiveSessionView* live() { return &m_live; }
     [[nodiscard]] CoachingOverlayView* overlay() { return &m_overlay; }
     [[nodiscard]] IdleView* idle() { return &m_idle; }
+    [[nodiscard]] SessionHistoryView* history() { return &m_history; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
     [[nodiscard]] StealthView* stealth() { return &m_stealth; }
     [[nodiscard]] Theme* theme() { return &m_theme; }
@@ -67,6 +70,7 @@ private:
     LiveSessionView m_live;
     CoachingOverlayView m_overlay;
     IdleView m_idle;
+    SessionHistoryView m_history;
     SettingsView m_settings;
     StealthView m_stealth;
 };

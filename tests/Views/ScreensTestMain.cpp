@@ -5,6 +5,7 @@
 #include <QtQuickTest>
 
 #include "HandoffDriver.h"
+#include "HistoryDriver.h"
 #include "ScreenDriver.h"
 #include "Views/QuickSetup.h"
 
@@ -21,8 +22,11 @@ public Q_SLOTS:
         engine->rootContext()->setContextProperty(QStringLiteral("driver"), m_driver.get());
         m_handoffDriver = std::make_unique<HandoffDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("handoffDriver"), m_handoffDriver.get());
+        m_historyDriver = std::make_unique<HistoryDriver>();
+        engine->rootContext()->setContextProperty(QStringLiteral("historyDriver"), m_historyDriver.get());
     }
     void cleanupTestCase() {
+        m_historyDriver.reset();
         m_handoffDriver.reset();
         m_driver.reset();
     }
@@ -30,6 +34,7 @@ public Q_SLOTS:
 private:
     std::unique_ptr<ScreenDriver> m_driver;
     std::unique_ptr<HandoffDriver> m_handoffDriver;
+    std::unique_ptr<HistoryDriver> m_historyDriver;
 };
 
 }  // namespace corvellan::test

@@ -55,8 +55,7 @@ ColorRole SessionStatistics::avgMeddicColor() const {
 QString SessionStatistics::avgDuration() const {
     if (sessions == 0)
         return u"0m"_s;
-    const auto average = durationSecs / sessions;
-    return u"%1m %2s"_s.arg(average / secondsPerMinute).arg(average % secondsPerMinute);
+    return formattedDuration(durationSecs / sessions);
 }
 
 QString SessionStatistics::totalDuration() const {

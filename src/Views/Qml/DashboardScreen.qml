@@ -15,6 +15,9 @@ FocusScope {
 
     function showTab() {
         switch (openTab) {
+        case "history":
+            detail.setSource("SessionHistoryScreen.qml", { history: views.history, theme: theme });
+            break;
         case "settings":
             detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
             break;

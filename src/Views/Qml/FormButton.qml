@@ -8,6 +8,8 @@ PressButton {
 
     required property Theme theme
     property string symbol: ""
+    /// Of symbol and text.
+    property color color: theme.foreground
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Math.max(implicitContentHeight + topPadding + bottomPadding, theme.hitTarget)
@@ -25,12 +27,13 @@ PressButton {
             visible: root.symbol.length > 0
             symbol: root.symbol
             size: 13
-            color: root.theme.foreground
+            color: root.color
         }
         ReadOut {
             theme: root.theme
             text: root.text
             size: 13
+            color: root.color
             Accessible.ignored: true
         }
     }

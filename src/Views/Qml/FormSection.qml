@@ -8,20 +8,39 @@ ColumnLayout {
 
     required property Theme theme
     required property string title
+    /// Behind the title; empty for none.
+    property string value: ""
+    property color valueColor: theme.foreground
     default property alias rows: column.data
 
     spacing: 6
 
-    ReadOut {
+    RowLayout {
         Layout.leftMargin: 14
+        Layout.rightMargin: 14
         Layout.fillWidth: true
-        theme: root.theme
-        text: root.title
-        size: 12
-        font.weight: Font.DemiBold
-        color: root.theme.secondary
-        elide: Text.ElideRight
-        Accessible.role: Accessible.Heading
+        spacing: 8
+
+        ReadOut {
+            Layout.fillWidth: true
+            theme: root.theme
+            text: root.title
+            size: 12
+            font.weight: Font.DemiBold
+            color: root.theme.secondary
+            elide: Text.ElideRight
+            Accessible.role: Accessible.Heading
+        }
+        ReadOut {
+            objectName: "sectionValue"
+            theme: root.theme
+            visible: text.length > 0
+            text: root.value
+            size: 14
+            isMonospaced: true
+            font.weight: Font.Bold
+            color: root.valueColor
+        }
     }
     Rectangle {
         Layout.fillWidth: true
