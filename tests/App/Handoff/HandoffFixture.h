@@ -16,8 +16,8 @@ class HandoffFixture : public testing::Test {
 protected:
     ~HandoffFixture() override {
         controller.close();
-        // What was closed goes at the next turn.
-        settle();
+        // What was closed goes at the next turn of a loop, and here none runs.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     void show(const QString& note) {
