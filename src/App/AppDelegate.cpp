@@ -141,7 +141,8 @@ void AppDelegate::installKeyMonitors() {
 }
 
 void AppDelegate::showKeyWatch() {
-    m_panel->views().settings()->setGlobalKeyWatch(m_globalHotkeyMonitor->watch(), m_globalHotkeyMonitor->explanation());
+    m_panel->views().settings()->setGlobalKeyWatch(m_globalHotkeyMonitor->watch(),
+                                                   m_globalHotkeyMonitor->explanation());
 }
 
 void AppDelegate::onGlobalKeyDown(const KeyDown& key) {

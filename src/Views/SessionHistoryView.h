@@ -122,7 +122,6 @@ private:
     void closeRecord();
     void setOpenProblem(const QString& problem);
 
-
     Parts m_parts;
     /// Null until they are known.
     SessionStoreProtocol::Index m_records;
