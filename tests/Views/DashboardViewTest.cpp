@@ -229,4 +229,13 @@ TEST_F(DashboardViewTest, aTabRequestedInACallShowsAfterIt) {
 
 }  // namespace
 
+TEST_F(DashboardViewTest, aSessionThatHasEndedOpensTheHistory) {
+    EXPECT_EQ(view().selectedTab(), SidebarTab::home);
+    session().setLastSummary(SummaryPayload{});
+    EXPECT_EQ(view().selectedTab(), SidebarTab::history);
+    view().select(SidebarTab::home);
+    session().setLastSummary(SummaryPayload{.turns = 4});
+    EXPECT_EQ(view().selectedTab(), SidebarTab::home) << "only one that comes where none was";
+}
+
 }  // namespace corvellan::test

@@ -18,6 +18,15 @@ ListView {
     highlightMoveDuration: 0
     highlightFollowsCurrentItem: true
 
+    // A header that gets its height late grows upwards, out of view.
+    property real lastOriginY: 0
+    onOriginYChanged: {
+        const wasAtTop = contentY <= lastOriginY + 1;
+        lastOriginY = originY;
+        if (wasAtTop)
+            contentY = originY;
+    }
+
     function scrollBy(distance: real) {
         contentY = Math.max(originY, Math.min(contentY + distance, originY + contentHeight - height));
     }

@@ -115,6 +115,8 @@ TestCase {
         historyDriver.keep("Nordwind", 1, { score: 6 });
         historyDriver.keep("Alt", 50, { score: 0 });
         const screen = open();
+        const list = control(screen, "sessions");
+        compare(list.contentY, list.originY, "the filters are in view");
         compare(texts(control(screen, "statCards")), ["2", "Sessions", "3.0/6", "Avg MEDDIC", "3m 12s", "Avg Duration",
                                                       "6m", "Total Time"]);
         compare(texts(control(screen, "criterionRates")), ["M", "50%", "E", "50%", "D", "50%", "D", "50%", "I", "50%",
