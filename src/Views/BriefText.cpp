@@ -30,6 +30,11 @@ QString withoutBlanks(QStringView text) {
 
 }  // namespace
 
+QString joined(QStringList texts, const QString& separator) {
+    texts.removeAll(QString{});
+    return texts.join(separator);
+}
+
 QVariantList revenue(const SalesBrief& brief) {
     QVariantList facts;
     const auto add = [&facts](const QString& label, const QString& value) {
@@ -60,11 +65,11 @@ QVariantList products(const SalesBrief& brief) {
 QVariantList contacts(const SalesBrief& brief) {
     QVariantList rows;
     for (const SalesBriefContact& contact : brief.contacts.value_or(std::vector<SalesBriefContact>{})) {
-        QStringList names{contact.firstname.value_or(QString{}), contact.lastname.value_or(QString{})};
-        names.removeAll(QString{});
+        const QString name =
+            joined({contact.firstname.value_or(QString{}), contact.lastname.value_or(QString{})}, u" "_s);
         const QString detail = contact.email.value_or(QString{});
-        if (!names.isEmpty() || !detail.isEmpty())
-            rows.append(QVariantMap{{u"name"_s, names.join(u' ')}, {u"detail"_s, detail}});
+        if (!name.isEmpty() || !detail.isEmpty())
+            rows.append(QVariantMap{{u"name"_s, name}, {u"detail"_s, detail}});
     }
     return rows;
 }
@@ -83,9 +88,9 @@ std::vector<FixedRowsModel::Row> notes(const SalesBrief& brief, const DateStyle&
     for (const SalesBriefNote& note : brief.notes.value_or(std::vector<SalesBriefNote>{})) {
         const QString stamp = note.hs_timestamp.value_or(QString{});
         dated.push_back(
-            {parseIso8601(stamp),
-             dated.size(),
-             {noteBody(note.body.value_or(QString{})), note.author.value_or(QString{}), formatNoteDate(stamp, style)}});
+            {parseIso8601(stamp), dated.size(),
+             FixedRowsModel::Row{noteBody(note.body.value_or(QString{})),
+                                 joined({note.author.value_or(QString{}), formatNoteDate(stamp, style)}, u" · "_s)}});
     }
     // An absent time is the smallest.
     std::ranges::sort(dated, [](const Dated& one, const Dated& other) {
@@ -101,19 +106,6 @@ std::optional<QUrl> page(const std::optional<QString>& address) {
     const QUrl url{address.value_or(QString{}), QUrl::StrictMode};
     const bool isOfTheWeb = url.scheme() == u"https"_s || url.scheme() == u"http"_s;
     return url.isValid() && isOfTheWeb && !url.host().isEmpty() ? std::optional{url} : std::nullopt;
-}
-
-QVariantList handoffStatistics(const HandoffResponse& handoff) {
-    QVariantList statistics;
-    const auto add = [&statistics](std::optional<std::int64_t> count, const QString& symbol, const QString& what) {
-        if (count.value_or(0) >= 1)
-            statistics.append(QVariantMap{{u"symbol"_s, symbol}, {u"text"_s, QString::number(*count) + u' ' + what}});
-    };
-    const HandoffMeta meta = handoff.meta.value_or(HandoffMeta{});
-    add(meta.deviceCount, u"server.rack"_s, u"devices"_s);
-    add(meta.callCount, u"phone"_s, u"calls"_s);
-    add(meta.engagementEmails, u"envelope"_s, u"emails"_s);
-    return statistics;
 }
 
 std::vector<FixedRowsModel::Row> events(const TimelineResponse& timeline, const DateStyle& style) {

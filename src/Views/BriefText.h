@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 #include <QVariantList>
 #include <vector>
@@ -20,7 +21,7 @@ namespace corvellan::brief {
 /// Maps with "name" and "detail"; each may be empty, not both.
 [[nodiscard]] QVariantList contacts(const SalesBrief& brief);
 
-/// Rows of "body", "author" and "date", the newest first; those whose date can't be read come last.
+/// Rows of "body" and "caption" (author and day), the newest first; those whose date can't be read come last.
 [[nodiscard]] std::vector<FixedRowsModel::Row> notes(const SalesBrief& brief, const DateStyle& style);
 /// Every "&nbsp;" a blank, and none at the ends; line feeds stay.
 [[nodiscard]] QString noteBody(QString body);
@@ -28,8 +29,8 @@ namespace corvellan::brief {
 /// A page that a browser may open: "http" or "https" at some host. Absent for any other text.
 [[nodiscard]] std::optional<QUrl> page(const std::optional<QString>& address);
 
-/// Maps with "symbol" and "text": "240 devices", "12 calls", "7 emails", each from 1 on.
-[[nodiscard]] QVariantList handoffStatistics(const HandoffResponse& handoff);
+/// Those of the texts that are not empty, with `separator` between them.
+[[nodiscard]] QString joined(QStringList texts, const QString& separator);
 
 /// Rows of "symbol", "colorName", "title", "detail" and "date".
 [[nodiscard]] std::vector<FixedRowsModel::Row> events(const TimelineResponse& timeline, const DateStyle& style);

@@ -58,7 +58,12 @@ void FlowLayout::itemChange(ItemChange change, const ItemChangeData& data) {
 
 void FlowLayout::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
     QQuickItem::geometryChange(newGeometry, oldGeometry);
-    if (newGeometry.width() != oldGeometry.width())
+    if (newGeometry.width() == oldGeometry.width())
+        return;
+    // A layout round it that is told of another height while it works begins anew, and gives up in the end.
+    if (window())
+        polish();
+    else
         updatePolish();
 }
 

@@ -6,6 +6,7 @@
 
 #include "Base/Text.h"
 #include "BriefText.h"
+#include "HandoffStatistics.h"
 #include "HandoffWindowController.h"
 #include "Models/SessionRecord.h"
 #include "Money.h"
@@ -39,8 +40,8 @@ QString gray() {
 HomeView::HomeView(Parts parts, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
-      m_results({"name", "source", "domain", "revenue", "orders", "isExpanded", "chevron"}),
-      m_notes({"body", "author", "date"}),
+      m_results({"name", "source", "domain", "revenue", "orders", "isExpanded", "chevron", "spoken"}),
+      m_notes({"body", "caption"}),
       m_events({"symbol", "colorName", "title", "detail", "date"}),
       m_goals({"symbol", "label", "colorName", "isSelected"}, static_cast<int>(callGoalRows.size())),
       m_meetings({"summary", "timeRange"}) {
@@ -152,11 +153,13 @@ void HomeView::updateResults() {
     std::vector<FixedRowsModel::Row> rows;
     for (const ResolvedCompany& company : m_homeSearchResults) {
         const bool isExpanded = m_expandedCompanyId == company.id.stringValue;
-        const double revenue = company.totalRevenue.value_or(0);
-        rows.push_back({company.name, company.source, company.domain.value_or(QString{}),
-                        revenue > 0 ? formatUSD(revenue) : QString{},
-                        company.orderCount ? QString::number(*company.orderCount) + u" orders"_s : QString{},
-                        isExpanded, isExpanded ? u"chevron.up"_s : u"chevron.down"_s});
+        const double total = company.totalRevenue.value_or(0);
+        const QString domain = company.domain.value_or(QString{});
+        const QString revenue = total > 0 ? formatUSD(total) : QString{};
+        const QString orders = company.orderCount ? QString::number(*company.orderCount) + u" orders"_s : QString{};
+        rows.push_back({company.name, company.source, domain, revenue, orders, isExpanded,
+                        isExpanded ? u"chevron.up"_s : u"chevron.down"_s,
+                        brief::joined({company.source, domain, revenue, orders}, u", "_s)});
     }
     m_results.assign(rows);
 }
@@ -240,7 +243,11 @@ void HomeView::loadHandoffOf(int row) {
 }
 
 QVariantList HomeView::handoffStatistics() const {
-    return m_homeHandoff ? brief::handoffStatistics(*m_homeHandoff) : QVariantList{};
+    QVariantList rows;
+    if (m_homeHandoff)
+        for (const HandoffStatistic& statistic : corvellan::handoffStatistics(m_homeHandoff->meta))
+            rows.append(QVariantMap{{u"symbol"_s, statistic.symbol}, {u"text"_s, statistic.text}});
+    return rows;
 }
 
 QString HomeView::handoffNote() const {
@@ -259,6 +266,14 @@ void HomeView::copyHandoff() const {
 void HomeView::openHandoffWindow() {
     if (m_homeHandoff)
         m_parts.handoffWindowController.show(*m_homeHandoff);
+}
+
+void HomeView::openNoteLink(const QString& address) {
+    static_cast<void>(CancellableTask::start(
+        [&browser = m_parts.browser, contact = QUrl{address}](std::stop_token) -> QCoro::Task<void> {
+            // Nothing here reports a failure.
+            static_cast<void>(co_await browser.openContact(contact));
+        }));
 }
 
 void HomeView::toggleTimeline(int row) {
@@ -421,6 +436,11 @@ QString HomeView::lastSessionTitle() const {
 
 bool HomeView::wasLastSessionTraining() const {
     return m_lastSession && m_lastSession->wasTrainMode;
+}
+
+QString HomeView::lastSessionSpoken() const {
+    return brief::joined(
+        {lastSessionScore(), wasLastSessionTraining() ? u"Training"_s : QString{}, lastSessionCaption()}, u", "_s);
 }
 
 QString HomeView::lastSessionCaption() const {

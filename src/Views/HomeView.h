@@ -53,8 +53,8 @@ class HomeView : public QObject {
     Q_PROPERTY(bool showsSearchHint READ showsSearchHint NOTIFY searchChanged)
     Q_PROPERTY(bool isHomeSearching READ isHomeSearching NOTIFY searchChanged)
     Q_PROPERTY(bool hasResults READ hasResults NOTIFY searchChanged)
-    /// Rows of "name", "source", "domain", "revenue", "orders", "isExpanded" and "chevron"; texts that there is
-    /// nothing for are empty.
+    /// Rows of "name", "source", "domain", "revenue", "orders", "isExpanded", "chevron" and "spoken" (what is
+    /// known, in one line); texts that there is nothing for are empty.
     Q_PROPERTY(QAbstractItemModel* results READ results CONSTANT)
 
     // The brief of the unfolded result.
@@ -77,6 +77,7 @@ class HomeView : public QObject {
     Q_PROPERTY(bool homeHandoffExpanded READ homeHandoffExpanded NOTIFY handoffChanged)
     Q_PROPERTY(bool isLoadingHomeHandoff READ isLoadingHomeHandoff NOTIFY handoffChanged)
     Q_PROPERTY(bool hasHandoff READ hasHandoff NOTIFY handoffChanged)
+    /// Maps with "symbol" and "text".
     Q_PROPERTY(QVariantList handoffStatistics READ handoffStatistics NOTIFY handoffChanged)
     Q_PROPERTY(QString handoffNote READ handoffNote NOTIFY handoffChanged)
     Q_PROPERTY(QString handoffProblem READ handoffProblem NOTIFY handoffChanged)
@@ -110,6 +111,8 @@ class HomeView : public QObject {
     Q_PROPERTY(QString lastSessionTitle READ lastSessionTitle NOTIFY lastSessionChanged)
     Q_PROPERTY(bool wasLastSessionTraining READ wasLastSessionTraining NOTIFY lastSessionChanged)
     Q_PROPERTY(QString lastSessionCaption READ lastSessionCaption NOTIFY lastSessionChanged)
+    /// All of it but the title, for screen readers.
+    Q_PROPERTY(QString lastSessionSpoken READ lastSessionSpoken NOTIFY lastSessionChanged)
 
 public:
     /// What it is made of; all of it outlives the object.
@@ -188,6 +191,8 @@ public:
     /// Puts the note on the clipboard, as plain text.
     Q_INVOKABLE void copyHandoff() const;
     Q_INVOKABLE void openHandoffWindow();
+    /// Opens a mail or telephone link of the note.
+    Q_INVOKABLE void openNoteLink(const QString& address);
 
     [[nodiscard]] bool homeTimelineExpanded() const { return m_homeTimelineExpanded; }
     /// As `toggleHandoff`, for the timeline.
@@ -235,6 +240,7 @@ public:
     [[nodiscard]] QString lastSessionTitle() const;
     [[nodiscard]] bool wasLastSessionTraining() const;
     [[nodiscard]] QString lastSessionCaption() const;
+    [[nodiscard]] QString lastSessionSpoken() const;
     Q_INVOKABLE void openHistory() { Q_EMIT historyRequested(); }
 
     /// What times are written in.

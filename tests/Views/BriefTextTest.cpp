@@ -101,10 +101,10 @@ TEST(BriefTextTest, notesStandNewestFirst) {
                              note(u"new"_s, u"2026-02-01T10:00:00.5Z"_s), note(u"word"_s, u"yesterday"_s)}};
     const auto rows = brief::notes(brief, german);
     ASSERT_EQ(rows.size(), 4U);
-    EXPECT_EQ(rows[0], (FixedRowsModel::Row{u"new"_s, u"Kim"_s, u"01.02.2026"_s}));
-    EXPECT_EQ(rows[1], (FixedRowsModel::Row{u"old"_s, u"Kim"_s, u"05.01.2025"_s}));
-    EXPECT_EQ(rows[2], (FixedRowsModel::Row{u"none"_s, u"Kim"_s, QString{}}));
-    EXPECT_EQ(rows[3], (FixedRowsModel::Row{u"word"_s, u"Kim"_s, u"yesterday"_s}));
+    EXPECT_EQ(rows[0], (FixedRowsModel::Row{u"new"_s, u"Kim · 01.02.2026"_s}));
+    EXPECT_EQ(rows[1], (FixedRowsModel::Row{u"old"_s, u"Kim · 05.01.2025"_s}));
+    EXPECT_EQ(rows[2], (FixedRowsModel::Row{u"none"_s, u"Kim"_s}));
+    EXPECT_EQ(rows[3], (FixedRowsModel::Row{u"word"_s, u"Kim · yesterday"_s}));
 }
 
 TEST(BriefTextTest, aNotesBodyLosesItsHardBlanksAndTheBlanksRoundIt) {
@@ -122,19 +122,7 @@ TEST(BriefTextTest, onlyPagesOfTheWebAreLinks) {
     EXPECT_FALSE(brief::page(std::nullopt));
 }
 
-// MARK: - Handoff and timeline
-
-TEST(BriefTextTest, statisticsOfAHandoffBeginAtOne) {
-    HandoffResponse handoff{.meta = HandoffMeta{.deviceCount = 240, .callCount = 1, .engagementEmails = 7}};
-    EXPECT_EQ(texts(brief::handoffStatistics(handoff), u"text"_s),
-              (QStringList{u"240 devices"_s, u"1 calls"_s, u"7 emails"_s}));
-    EXPECT_EQ(texts(brief::handoffStatistics(handoff), u"symbol"_s),
-              (QStringList{u"server.rack"_s, u"phone"_s, u"envelope"_s}));
-    handoff.meta = HandoffMeta{.deviceCount = 0, .engagementEmails = -3};
-    EXPECT_TRUE(brief::handoffStatistics(handoff).isEmpty());
-    handoff.meta.reset();
-    EXPECT_TRUE(brief::handoffStatistics(handoff).isEmpty());
-}
+// MARK: - Timeline
 
 TEST(BriefTextTest, anEventShowsItsSubjectAndHowItWent) {
     const TimelineResponse timeline{

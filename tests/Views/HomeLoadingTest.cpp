@@ -228,6 +228,12 @@ TEST_F(HomeLoadingTest, theHandoffIsCopiedAndOpened) {
     EXPECT_EQ(fixture.handoffWindow.shown[0].handoffNote, u"# Nordwind Logistics GmbH"_s);
 }
 
+TEST_F(HomeLoadingTest, aMailLinkOfTheNoteIsHandedToTheDesktop) {
+    home().openNoteLink(u"mailto:sandra.weiss@nordwind.example"_s);
+    settle();
+    EXPECT_EQ(fixture.desktop.browser.contacts, std::vector{QUrl{u"mailto:sandra.weiss@nordwind.example"_s}});
+}
+
 // MARK: - Timeline
 
 TEST_F(HomeLoadingTest, unfoldingTheTimelineLoadsItByItself) {

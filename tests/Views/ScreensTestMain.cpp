@@ -6,6 +6,7 @@
 
 #include "HandoffDriver.h"
 #include "HistoryDriver.h"
+#include "HomeDriver.h"
 #include "ScreenDriver.h"
 #include "Views/QuickSetup.h"
 
@@ -19,13 +20,16 @@ public Q_SLOTS:
     void qmlEngineAvailable(QQmlEngine* engine) {
         engine->addImportPath(QString::fromLatin1(qmlImportPath));
         m_driver = std::make_unique<ScreenDriver>();
+        m_homeDriver = std::make_unique<HomeDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("driver"), m_driver.get());
         m_handoffDriver = std::make_unique<HandoffDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("handoffDriver"), m_handoffDriver.get());
         m_historyDriver = std::make_unique<HistoryDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("historyDriver"), m_historyDriver.get());
+        engine->rootContext()->setContextProperty(QStringLiteral("homeDriver"), m_homeDriver.get());
     }
     void cleanupTestCase() {
+        m_homeDriver.reset();
         m_historyDriver.reset();
         m_handoffDriver.reset();
         m_driver.reset();
@@ -35,6 +39,7 @@ private:
     std::unique_ptr<ScreenDriver> m_driver;
     std::unique_ptr<HandoffDriver> m_handoffDriver;
     std::unique_ptr<HistoryDriver> m_historyDriver;
+    std::unique_ptr<HomeDriver> m_homeDriver;
 };
 
 }  // namespace corvellan::test

@@ -12,6 +12,8 @@ ColumnLayout {
     property string value: ""
     property color valueColor: theme.foreground
     default property alias rows: column.data
+    /// What stands at the right end of the title's line.
+    property alias header: trailing.data
 
     spacing: 6
 
@@ -40,6 +42,12 @@ ColumnLayout {
             isMonospaced: true
             font.weight: Font.Bold
             color: root.valueColor
+        }
+        RowLayout {
+            id: trailing
+
+            visible: children.length > 0
+            spacing: 8
         }
     }
     Rectangle {

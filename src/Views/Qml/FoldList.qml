@@ -1,0 +1,62 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvellan.Views
+
+/// A list inside a form: as high as its rows, though not without bound; beyond that it scrolls, and makes only the
+/// rows that show.
+ListView {
+    id: root
+
+    required property Theme theme
+    property real greatestHeight: 320
+    readonly property bool isOverflowing: contentHeight > height + 0.5
+
+    // A list of no height makes no row to have a height.
+    implicitHeight: count === 0 ? 0 : Math.min(Math.max(contentHeight, 40), greatestHeight)
+    clip: true
+    reuseItems: true
+    boundsBehavior: Flickable.StopAtBounds
+    activeFocusOnTab: isOverflowing
+    spacing: 8
+    Accessible.role: Accessible.List
+
+    function scrollBy(distance: real) {
+        contentY = originY + Math.max(0, Math.min(contentY - originY + distance, contentHeight - height));
+    }
+
+    Keys.onUpPressed: scrollBy(-40)
+    Keys.onDownPressed: scrollBy(40)
+    Keys.onPressed: event => {
+        const step = event.key === Qt.Key_PageDown ? height : event.key === Qt.Key_PageUp ? -height
+                   : event.key === Qt.Key_End ? contentHeight : event.key === Qt.Key_Home ? -contentHeight : 0;
+        event.accepted = step !== 0 && isOverflowing;
+        if (event.accepted)
+            scrollBy(step);
+    }
+
+    T.ScrollBar.vertical: T.ScrollBar {
+        id: bar
+
+        policy: root.isOverflowing ? T.ScrollBar.AlwaysOn : T.ScrollBar.AlwaysOff
+        implicitWidth: 8
+        padding: 2
+        minimumSize: 0.1
+        visible: root.isOverflowing
+        Accessible.ignored: true
+
+        contentItem: Rectangle {
+            radius: 2
+            color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
+        }
+    }
+
+    Rectangle {
+        parent: root
+        anchors.fill: parent
+        radius: 5
+        color: "transparent"
+        border.width: 2
+        border.color: root.theme.focusRing
+        visible: root.activeFocus
+    }
+}

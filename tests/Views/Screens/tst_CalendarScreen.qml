@@ -1,0 +1,217 @@
+import QtQuick
+import QtTest
+import Corvellan.Views
+
+TestCase {
+    id: testCase
+
+    name: "CalendarScreen"
+    when: windowShown
+    width: 680
+    height: 900
+    visible: true
+
+    Component {
+        id: content
+
+        CalendarScreen {
+            width: 680
+            height: 900
+            calendar: homeDriver.calendar
+            theme: homeDriver.theme
+        }
+    }
+
+    function init() {
+        homeDriver.reset();
+    }
+
+    function open() {
+        const screen = createTemporaryObject(content, testCase);
+        verify(screen);
+        screen.forceActiveFocus();
+        waitForRendering(screen);
+        return screen;
+    }
+
+    function item(screen, name) {
+        const found = findChild(screen, name);
+        verify(found !== null, name);
+        return found;
+    }
+
+    /// By mouse, once the layout leaves it where it is.
+    function press(control) {
+        let last = -1;
+        tryVerify(() => {
+            const before = last;
+            last = control.mapToItem(null, 0, 0).y;
+            return last === before && control.height > 0;
+        });
+        mouseClick(control);
+    }
+
+    function shows(screen, name) {
+        const found = findChild(screen, name);
+        return found !== null && found.visible;
+    }
+
+    /// All texts that show, from top to bottom.
+    function shownTexts(item) {
+        let texts = [];
+        if (!item.visible)
+            return texts;
+        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
+                && item.text.length > 0 && item.font.family !== homeDriver.theme.iconFamily)
+            texts.push(item.text);
+        for (let i = 0; i < item.children.length; ++i)
+            texts = texts.concat(shownTexts(item.children[i]));
+        return texts;
+    }
+
+    function test_itAsksForMeetingsWhenItAppears() {
+        homeDriver.signOut();
+        open();
+        compare(homeDriver.meetingRequests(), 1);
+    }
+
+    function test_anEmptyCalendarSaysSoAndIsRefreshed_data() {
+        return [{ tag: "mouse" }, { tag: "return" }, { tag: "accessibility" }];
+    }
+
+    function test_anEmptyCalendarSaysSoAndIsRefreshed(data) {
+        homeDriver.signOut();
+        const screen = open();
+        compare(homeDriver.meetingRequests(), 1);
+        tryVerify(() => shows(screen, "calendarEmptyState"));
+        compare(shownTexts(item(screen, "calendarEmptyState")),
+                ["No upcoming meetings", "Your Google Calendar meetings will appear here.", "Refresh"]);
+        verify(!shows(screen, "meetingsSection"));
+        const button = item(screen, "emptyRefresh");
+        if (data.tag === "mouse") {
+            press(button);
+        } else if (data.tag === "accessibility") {
+            verify(driver.pressThroughAccessibility(button));
+        } else {
+            button.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Return);
+        }
+        compare(homeDriver.meetingRequests(), 2);
+    }
+
+    function test_aFirstLoadShowsASpinner() {
+        homeDriver.setLoadingMeetings(true);
+        const screen = open();
+        verify(shows(screen, "calendarWait"));
+        verify(shownTexts(screen).includes("Loading calendar..."));
+        verify(!shows(screen, "calendarEmptyState"));
+        homeDriver.setLoadingMeetings(false);
+        tryVerify(() => !shows(screen, "calendarWait"));
+    }
+
+    function test_anErrorStandsAboveTheMeetings() {
+        homeDriver.setMeetings(2);
+        homeDriver.setCalendarError("Authentication expired");
+        const screen = open();
+        const texts = shownTexts(screen);
+        compare(texts.slice(0, 6), ["Calendar unavailable", "Authentication expired", "Retry", "Upcoming Meetings",
+                                    "Meeting 1", "10:00 – 10:30"]);
+        homeDriver.setCalendarError("");
+        tryVerify(() => !shows(screen, "calendarProblem"));
+    }
+
+    function test_retryAsksAgain() {
+        homeDriver.signOut();
+        homeDriver.setCalendarError("Authentication expired");
+        const screen = open();
+        homeDriver.settle();
+        homeDriver.setCalendarError("Authentication expired");
+        const before = homeDriver.meetingRequests();
+        press(item(screen, "retry"));
+        compare(homeDriver.meetingRequests(), before + 1);
+    }
+
+    function test_aCardUnfoldsByMouseKeysAndAccessibility_data() {
+        return [{ tag: "mouse" }, { tag: "return" }, { tag: "space" }, { tag: "accessibility" }];
+    }
+
+    function test_aCardUnfoldsByMouseKeysAndAccessibility(data) {
+        homeDriver.setMeetings(2);
+        const screen = open();
+        const head = item(screen, "meetingHead0");
+        compare(driver.spoken(head).name, "Meeting 1");
+        compare(driver.spoken(head).description, "Folded, 10:00 – 10:30");
+        if (data.tag === "mouse") {
+            press(head);
+        } else if (data.tag === "accessibility") {
+            verify(driver.pressThroughAccessibility(head));
+        } else {
+            head.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(data.tag === "space" ? Qt.Key_Space : Qt.Key_Return);
+        }
+        tryVerify(() => shows(screen, "startCall0"));
+        verify(driver.spoken(head).description.startsWith("Unfolded"));
+        verify(!shows(screen, "quickCall0"));
+        verify(shows(screen, "quickCall1"));
+    }
+
+    function test_unfoldingASecondCardFoldsTheFirst() {
+        homeDriver.setMeetings(2);
+        const screen = open();
+        press(item(screen, "meetingHead0"));
+        tryVerify(() => shows(screen, "startCall0"));
+        press(item(screen, "meetingHead1"));
+        tryVerify(() => shows(screen, "startCall1"));
+        verify(!shows(screen, "startCall0"));
+    }
+
+    function test_anUnfoldedCardShowsWhoAndWhichCompany() {
+        homeDriver.setMeetings(1);
+        const screen = open();
+        press(item(screen, "meetingHead0"));
+        tryVerify(() => shows(screen, "startCall0"));
+        compare(shownTexts(item(screen, "card0")),
+                ["Meeting 1", "10:00 – 10:30", "Sandra Weiss", "guest1@nordwind.example", "guest2",
+                 "guest2@nordwind.example", "guest3", "guest3@nordwind.example", "guest4", "guest4@nordwind.example",
+                 "guest5", "guest5@nordwind.example", "guest6", "guest6@nordwind.example", "+1 more", "Company",
+                 "Nordwind Logistics GmbH", "· Germany", "· $248K", "Start Call"]);
+        compare(item(screen, "companyName").color, homeDriver.theme.cyan);
+        compare(item(screen, "companyRevenue").color, homeDriver.theme.green);
+    }
+
+    function test_aCallStartsFromTheCard_data() {
+        return [{ tag: "button" }, { tag: "quick" }, { tag: "accessibility" }];
+    }
+
+    function test_aCallStartsFromTheCard(data) {
+        homeDriver.setMeetings(2);
+        const screen = open();
+        if (data.tag === "button") {
+            press(item(screen, "meetingHead1"));
+            tryVerify(() => shows(screen, "startCall1"));
+            waitForRendering(screen);
+            press(item(screen, "startCall1"));
+        } else if (data.tag === "quick") {
+            press(item(screen, "quickCall1"));
+            verify(!shows(screen, "startCall1"));
+        } else {
+            const quick = item(screen, "quickCall1");
+            compare(driver.spoken(quick).name, "Start call: Meeting 2");
+            verify(driver.pressThroughAccessibility(quick));
+        }
+        compare(homeDriver.currentCompany(), "Meeting 2");
+    }
+
+    function test_theSmallRefreshLeavesAYoungListAlone() {
+        homeDriver.signOut();
+        const screen = open();
+        homeDriver.setMeetings(1);
+        tryVerify(() => shows(screen, "refresh"));
+        const before = homeDriver.meetingRequests();
+        const refresh = item(screen, "refresh");
+        verify(refresh.width >= 28 && refresh.height >= 28);
+        compare(driver.spoken(refresh).name, "Refresh");
+        press(refresh);
+        compare(homeDriver.meetingRequests(), before);
+    }
+}
