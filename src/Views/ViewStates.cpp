@@ -1,5 +1,6 @@
 #include "ViewStates.h"
 
+#include <algorithm>
 #include <QStandardPaths>
 
 #include "ViewModels/SessionViewModel.h"
@@ -15,6 +16,12 @@ ViewStates::ViewStates(const Parts& parts, QObject* parent)
                    .version = parts.settings.version}),
       m_live(parts.session, parts.handoffWindowController),
       m_overlay(parts.session, parts.handoffWindowController),
+      m_home({.session = parts.session,
+              .briefings = parts.session.environment().briefings,
+              .handoffWindowController = parts.handoffWindowController,
+              .clock = parts.session.environment().clock,
+              .browser = parts.settings.browser}),
+      m_calendar(parts.session, m_home),
       m_idle(parts.session),
       m_history({.session = parts.session,
                  .debugLog = parts.session.environment().debugLog,
@@ -22,6 +29,12 @@ ViewStates::ViewStates(const Parts& parts, QObject* parent)
                             .browser = parts.settings.browser,
                             .reportFolder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}}),
       m_settings(parts.session, parts.preferences, parts.settings),
-      m_stealth(parts.session, parts.captureHiding, parts.selfTest, parts.afterNextFrame) {}
+      m_stealth(parts.session, parts.captureHiding, parts.selfTest, parts.afterNextFrame) {
+    connect(&m_home, &HomeView::historyRequested, &m_dashboard, [this] {
+        const auto tabs = m_dashboard.visibleTabs();
+        if (std::ranges::find(tabs, SidebarTab::history) != tabs.end())
+            m_dashboard.select(SidebarTab::history);
+    });
+}
 
 }  // namespace corvellan

@@ -5,8 +5,10 @@
 #include <QObject>
 #include <QQmlEngine>
 
+#include "CalendarView.h"
 #include "CoachingOverlayView.h"
 #include "DashboardView.h"
+#include "HomeView.h"
 #include "IdleView.h"
 #include "LiveSessionView.h"
 #include "SessionHistoryView.h"
@@ -29,6 +31,8 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::DashboardView* dashboard READ dashboard CONSTANT)
     Q_PROPERTY(corvellan::LiveSessionView* live READ live CONSTANT)
     Q_PROPERTY(corvellan::CoachingOverlayView* overlay READ overlay CONSTANT)
+    Q_PROPERTY(corvellan::HomeView* home READ home CONSTANT)
+    Q_PROPERTY(corvellan::CalendarView* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvellan::IdleView* idle READ idle CONSTANT)
     Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
@@ -56,6 +60,8 @@ public:
     [[nodiscard]] DashboardView* dashboard() { return &m_dashboard; }
     [[nodiscard]] LiveSessionView* live() { return &m_live; }
     [[nodiscard]] CoachingOverlayView* overlay() { return &m_overlay; }
+    [[nodiscard]] HomeView* home() { return &m_home; }
+    [[nodiscard]] CalendarView* calendar() { return &m_calendar; }
     [[nodiscard]] IdleView* idle() { return &m_idle; }
     [[nodiscard]] SessionHistoryView* history() { return &m_history; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
@@ -69,6 +75,8 @@ private:
     DashboardView m_dashboard;
     LiveSessionView m_live;
     CoachingOverlayView m_overlay;
+    HomeView m_home;
+    CalendarView m_calendar;
     IdleView m_idle;
     SessionHistoryView m_history;
     SettingsView m_settings;

@@ -104,7 +104,10 @@ TEST_F(ShortcutsTest, spaceInterruptsSpeechAndReachesNoControl) {
 }
 
 TEST_F(ShortcutsTest, spacePassesToTheFocusedControlWhenNoSpeechPlays) {
-    // The start has the keyboard in the idle face.
+    session().setUpcomingMeetings({CalendarMeeting{.id = u"m-1"_s, .summary = u"Weekly"_s}});
+    auto* const meeting = itemNamed(panel().rootObject(), u"meeting0"_s);
+    ASSERT_TRUE(meeting);
+    meeting->forceActiveFocus(Qt::TabFocusReason);
     QKeyEvent release{QEvent::KeyRelease, Qt::Key_Space, Qt::NoModifier, u" "_s};
     EXPECT_TRUE(pressSpace());
     QCoreApplication::sendEvent(&panel(), &release);

@@ -15,6 +15,12 @@ FocusScope {
 
     function showTab() {
         switch (openTab) {
+        case "home":
+            detail.setSource("HomeScreen.qml", { home: views.home, theme: theme });
+            break;
+        case "calendar":
+            detail.setSource("CalendarScreen.qml", { calendar: views.calendar, theme: theme });
+            break;
         case "history":
             detail.setSource("SessionHistoryScreen.qml", { history: views.history, theme: theme });
             break;

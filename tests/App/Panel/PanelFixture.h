@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QQuickItem>
+
 #include <vector>
 
 #include "App/Panel/StealthPanel.h"
@@ -10,6 +12,16 @@
 #include "Views/HandoffWindowController.h"
 
 namespace corvellan::test {
+
+/// The item of that name among all that stand in `root`, rows of lists included; null when there is none.
+inline QQuickItem* itemNamed(QQuickItem* root, const QString& name) {
+    if (root->objectName() == name)
+        return root;
+    for (QQuickItem* const child : root->childItems())
+        if (QQuickItem* const found = itemNamed(child, name))
+            return found;
+    return nullptr;
+}
 
 /// Remembers what it was asked, and answers at once, as a desktop that can hide windows unless told otherwise.
 class FakeCaptureHiding final : public CaptureHiding {

@@ -29,9 +29,12 @@ TEST_F(StealthPanelTest, beginsInTheIdleFaceWithItsContent) {
 }
 
 TEST_F(StealthPanelTest, aKeyHeldSinceTheLastFaceStartsNothing) {
+    fixture.session().setUpcomingMeetings({CalendarMeeting{.id = u"m-1"_s, .summary = u"Weekly"_s}});
     panel.makeKeyAndOrderFront();
-    ASSERT_TRUE(spinUntil(
-        [&] { return panel.activeFocusItem() && panel.activeFocusItem()->objectName() == u"startCoaching"_s; }));
+    auto* const meeting = itemNamed(panel.rootObject(), u"meeting0"_s);
+    ASSERT_TRUE(meeting);
+    meeting->forceActiveFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(spinUntil([&] { return panel.activeFocusItem() == meeting; }));
     const auto send = [this](QEvent::Type type, quint64 timestamp) {
         constexpr quint32 returnCode = 36;
         QKeyEvent event{type, Qt::Key_Return, Qt::NoModifier, returnCode, 0, 0};
@@ -188,7 +191,7 @@ TEST_F(StealthPanelTest, theWindowIsLightOnlyWhereTheDesktopAsksForThat) {
 
 TEST_F(StealthPanelTest, theFaceInTheWindowFollowsTheSession) {
     panel.makeKeyAndOrderFront();
-    EXPECT_TRUE(panel.rootObject()->findChild<QQuickItem*>(u"startCoaching"_s));
+    EXPECT_TRUE(panel.rootObject()->findChild<QQuickItem*>(u"homeArea"_s));
 
     fixture.session().startSession();
     settle();

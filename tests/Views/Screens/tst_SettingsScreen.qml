@@ -88,14 +88,14 @@ TestCase {
             driver.requestTab("settings");
         }
         tryVerify(() => findChild(window, "form") !== null);
-        tryVerify(() => findChild(window, "startCoaching") === null);
+        tryVerify(() => findChild(window, "homeArea") === null);
         if (data.tag === "mouse")
             mouseClick(control(window, "tab-home"));
         else if (data.tag === "accessibility")
             verify(driver.pressThroughAccessibility(control(window, "tab-home")));
         else
             keyClick(Qt.Key_1, Qt.ControlModifier);
-        tryVerify(() => findChild(window, "startCoaching") !== null);
+        tryVerify(() => findChild(window, "homeArea") !== null);
         tryVerify(() => findChild(window, "form") === null);
     }
 
