@@ -357,6 +357,11 @@ void HomeView::startCallWithCompany(int row) {
                                   .goals = currentGoals()});
 }
 
+void HomeView::startCallWithoutCompany() {
+    if (canStart())
+        m_parts.session.startSession({.callNotes = currentCallNotes(), .goals = currentGoals()});
+}
+
 void HomeView::startCall(const CalendarMeeting& meeting) {
     if (!canStart())
         return;

@@ -225,6 +225,8 @@ public:
 
     /// Starts a call with the company of a result. Nothing happens while another start is on its way.
     Q_INVOKABLE void startCallWithCompany(int row);
+    /// For desktops where neither tray nor shortcut starts one.
+    Q_INVOKABLE void startCallWithoutCompany();
     /// Starts the call of a meeting, with its match or else under its own title.
     void startCall(const CalendarMeeting& meeting);
     Q_INVOKABLE void startMeeting(int row);

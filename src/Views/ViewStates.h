@@ -9,7 +9,6 @@
 #include "CoachingOverlayView.h"
 #include "DashboardView.h"
 #include "HomeView.h"
-#include "IdleView.h"
 #include "LiveSessionView.h"
 #include "SessionHistoryView.h"
 #include "SettingsView.h"
@@ -33,7 +32,6 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::CoachingOverlayView* overlay READ overlay CONSTANT)
     Q_PROPERTY(corvellan::HomeView* home READ home CONSTANT)
     Q_PROPERTY(corvellan::CalendarView* calendar READ calendar CONSTANT)
-    Q_PROPERTY(corvellan::IdleView* idle READ idle CONSTANT)
     Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
     Q_PROPERTY(corvellan::StealthView* stealth READ stealth CONSTANT)
@@ -62,7 +60,6 @@ public:
     [[nodiscard]] CoachingOverlayView* overlay() { return &m_overlay; }
     [[nodiscard]] HomeView* home() { return &m_home; }
     [[nodiscard]] CalendarView* calendar() { return &m_calendar; }
-    [[nodiscard]] IdleView* idle() { return &m_idle; }
     [[nodiscard]] SessionHistoryView* history() { return &m_history; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
     [[nodiscard]] StealthView* stealth() { return &m_stealth; }
@@ -77,7 +74,6 @@ private:
     CoachingOverlayView m_overlay;
     HomeView m_home;
     CalendarView m_calendar;
-    IdleView m_idle;
     SessionHistoryView m_history;
     SettingsView m_settings;
     StealthView m_stealth;

@@ -323,6 +323,17 @@ TEST_F(HomeViewTest, aCallStartsWithTheCompanyTheNotesAndTheGoals) {
     EXPECT_EQ(session().currentCompany(), u"Nordwind Logistics GmbH"_s);
 }
 
+TEST_F(HomeViewTest, aCallStartsWithoutACompanyToo) {
+    home().setCallPrepNotes(u"Cold list"_s);
+    home().toggleGoal(0);
+    home().startCallWithoutCompany();
+    const StartSessionPayload start = started();
+    EXPECT_FALSE(start.company);
+    EXPECT_FALSE(start.hubspotId);
+    EXPECT_EQ(start.callNotes, u"Call prep:\nCold list"_s);
+    EXPECT_EQ(start.goals, std::vector{CallGoal::discovery});
+}
+
 TEST_F(HomeViewTest, aCallStartsEvenWhereTheBriefFailed) {
     fixture.know({nordlicht()});
     fixture.briefings().onBrief = [](const CompanyQuery&) -> FakeBriefings::Result<SalesBrief> {

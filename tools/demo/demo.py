@@ -20,14 +20,11 @@ import time
 import urllib.request
 from pathlib import Path
 
-import account
 import judgement
 import voices
 from program import NotThere, Program, wait_for
 
 PORTS = (3001, 3002, 3003)
-CHAT = "http://127.0.0.1:3002"
-COMPANY = "Halden Freight"
 SPEAKERS = {"mic": "Salesperson", "system": "Customer"}
 # From the moment the program listens until the first word may come.
 LEAD_SECONDS = 1.0
@@ -100,22 +97,18 @@ class Demo:
         wait_for("the sandbox's word that it is ready", 20, lambda: self.alive(self.sandbox) and "\nready\n" in log.read_text())
 
     def start_program(self):
-        user = account.sign_in(CHAT, self.home / ".config/corvellan/auth.json")
-        say(f"==> Starting the program, {user} signed in")
+        say("==> Starting the program")
         settings = self.home / ".config/corvellan/bram.ini"
         settings.parent.mkdir(parents=True, exist_ok=True)
         settings.write_text("[General]\nserverMode=local\nonboardingCompleted=true\n")
         self.program = Program([str(self.programs / "corvellan-bram-sandbox")], self.output / "program.log")
-        wait_for("the program's window", 30, lambda: self.alive(self.program) and "Call Prep" in self.program.names())
+        wait_for("the program's window", 30, lambda: self.alive(self.program) and self.program.button("Start Coaching"))
         self.start_counters = wait_for("the program on the bus", 10, self.program.counters_or_none)
         self.pss_idle = self.program.pss_mb()
         self.take_screenshot("1-idle")
 
     def hold_call(self):
-        say(f"==> Looking {COMPANY} up, and pressing \"Start Coaching\"")
-        self.program.write("Search company", COMPANY)
-        self.program.press(COMPANY)
-        wait_for("the company's brief", 20, lambda: "AE Handoff" in self.program.names())
+        say('==> Pressing "Start Coaching"')
         self.program.press("Start Coaching")
         wait_for("the debug line that the pipeline listens", 20, lambda: "Pipeline ready" in self.debug_log())
         wait_for('the button "End Session"', 10, lambda: self.program.button("End Session"))

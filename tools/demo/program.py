@@ -130,20 +130,6 @@ class Program:
                 return widget
         return None
 
-    def write(self, name, text):
-        """Types `text` into the field of that name."""
-
-        def field():
-            for widget in self.widgets():
-                if widget.get_name() == name and widget.get_role() in (Atspi.Role.ENTRY, Atspi.Role.TEXT):
-                    return widget
-            return None
-
-        found = wait_for(f'the field "{name}"', 20, field, every=0.2)
-        if not found.get_component_iface().grab_focus():
-            raise NotThere(f'the field "{name}" refused the keyboard')
-        Atspi.generate_keyboard_event(0, text, Atspi.KeySynthType.STRING)
-
     def press(self, name, seconds=20):
         button = wait_for(f'the button "{name}"', seconds, lambda: self.button(name), every=0.2)
         action = button.get_action_iface()

@@ -15,9 +15,6 @@ FocusScope {
 
     function showTab() {
         switch (openTab) {
-        case "home":
-            detail.setSource("HomeScreen.qml", { home: views.home, theme: theme });
-            break;
         case "calendar":
             detail.setSource("CalendarScreen.qml", { calendar: views.calendar, theme: theme });
             break;
@@ -28,7 +25,7 @@ FocusScope {
             detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
             break;
         default:
-            detail.setSource("IdleScreen.qml", { idle: views.idle, theme: theme });
+            detail.setSource("HomeScreen.qml", { home: views.home, theme: theme });
         }
     }
 

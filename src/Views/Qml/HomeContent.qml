@@ -143,6 +143,16 @@ FocusScope {
                     }
                 }
 
+                ProminentButton {
+                    Layout.alignment: Qt.AlignHCenter
+                    objectName: "startWithoutCompany"
+                    theme: root.theme
+                    text: qsTr("Start Coaching")
+                    symbol: "waveform"
+                    enabled: root.home.canStart
+                    onClicked: root.home.startCallWithoutCompany()
+                }
+
                 Rectangle {
                     Layout.fillWidth: true
                     objectName: "errorSection"

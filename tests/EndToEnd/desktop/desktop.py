@@ -211,7 +211,7 @@ class Desktop:
         self.tray.press(self.item(), "Show Main Window")
         self.visible_window()
         expect("the size of the window that came back", self.wait_for_idle().size(), (680, 520))
-        wait("its content", lambda: "Call Prep" in self.program.names())
+        wait("its content", lambda: self.program.button("Start Coaching"))
         return before
 
     def second_start_brings_the_first_to_the_front(self):

@@ -125,12 +125,12 @@ TestCase {
 
     // What stands where
 
-    function test_theEmptyScreenHasSearchAndPrepOnly() {
+    function test_theEmptyScreenHasSearchPrepAndTheStart() {
         const screen = open();
         compare(shownTexts(item(screen, "homeArea")).filter(text => !text.match(/^(Discovery|Demo|Budget|Close|Support|Renewal|Upsell)$/)),
                 ["Corvellan Bram", "Search company...",
                  "Search CRM & HubSpot to get company context before your call.", "Call Prep", "0/1000",
-                 "Follow-up items, prep notes..."]);
+                 "Follow-up items, prep notes...", "Start Coaching"]);
         for (const section of ["resultsSection", "errorSection", "upcomingSection", "lastSessionSection"])
             verify(!shows(screen, section), section);
     }
@@ -384,6 +384,15 @@ TestCase {
         compare(homeDriver.currentCompany(), "Nordwind Logistics GmbH");
     }
 
+    function test_aCallStartsWithoutACompany() {
+        const screen = open();
+        const button = item(screen, "startWithoutCompany");
+        compare(driver.spoken(button).name, "Start Coaching");
+        press(button);
+        tryVerify(() => homeDriver.isSessionActive());
+        compare(homeDriver.currentCompany(), "");
+    }
+
     function test_aHeldKeyStartsNothing_data() {
         return [{ tag: "return", key: Qt.Key_Return }, { tag: "enter", key: Qt.Key_Enter },
                 { tag: "space", key: Qt.Key_Space }];
@@ -442,7 +451,7 @@ TestCase {
         keyClick(Qt.Key_Tab);
         verify(!notes.activeFocus);
         compare(notes.text, "");
-        verify(item(screen, "lastSession").activeFocus);
+        verify(item(screen, "startWithoutCompany").activeFocus);
         keyClick(Qt.Key_Backtab);
         verify(notes.activeFocus);
     }
