@@ -235,13 +235,7 @@ States layoutStates() {
                               .company = u"Nordwind Logistics GmbH"_s,
                               .fontScale = scale};
         states.push_back(state);
-        for (const QString& layout : {u"full"_s, u"coach"_s}) {
-            state.name = u"panel-%1-%2"_s.arg(layout, suffix);
-            state.layout = layout;
-            states.push_back(state);
-        }
         state.name = u"long-texts-"_s + suffix;
-        state.layout.reset();
         state.prepare = longTexts;
         state.company = u"The Extraordinarily Long-Named Holding Company of Northern Europe and Far Beyond"_s;
         states.push_back(state);
