@@ -3,6 +3,7 @@
 #include <unicode/calendar.h>
 #include <unicode/datefmt.h>
 #include <unicode/timezone.h>
+#include <algorithm>
 
 namespace corvellan {
 
@@ -14,6 +15,24 @@ UDate icuDate(WallTime time) {
 
 WallTime wallTime(UDate date) {
     return WallTime{std::chrono::milliseconds{static_cast<std::int64_t>(date)}};
+}
+
+/// The day of UTC. The first and the last day that can be told of are cut off where time ends.
+CalendarDays::Day universalDay(WallTime time) {
+    using std::chrono::milliseconds;
+    constexpr milliseconds whole = std::chrono::days{1};
+    const milliseconds now = time.time_since_epoch();
+    const milliseconds since = now % whole < milliseconds{0} ? now % whole + whole : now % whole;
+    const milliseconds begin = now < milliseconds::min() + since ? milliseconds::min() : now - since;
+    const milliseconds end = begin > milliseconds::max() - whole ? milliseconds::max() : begin + whole;
+    return {.begin = WallTime{begin}, .end = WallTime{end}};
+}
+
+WallTime universallyBefore(WallTime time, int days) {
+    using std::chrono::milliseconds;
+    const milliseconds span = std::chrono::days{days};
+    const bool isBeyond = time.time_since_epoch() < milliseconds::min() + std::max(span, milliseconds{0});
+    return isBeyond ? WallTime::min() : time - span;
 }
 
 }  // namespace
@@ -40,10 +59,8 @@ CalendarDays::CalendarDays(const DateStyle& style) : m_parts(std::make_unique<Pa
 CalendarDays::~CalendarDays() = default;
 
 CalendarDays::Day CalendarDays::dayOf(WallTime time) const {
-    const auto whole = std::chrono::floor<std::chrono::days>(time);
-    const Day universal{whole, whole + std::chrono::days{1}};
     if (!m_parts->calendar)
-        return universal;
+        return universalDay(time);
     icu::Calendar& calendar = *m_parts->calendar;
     UErrorCode status = U_ZERO_ERROR;
     const auto midnight = [&] {
@@ -56,18 +73,17 @@ CalendarDays::Day CalendarDays::dayOf(WallTime time) const {
     calendar.add(UCAL_DATE, 1, status);
     // Where the clocks change at midnight there may be none, and the day begins later.
     day.end = midnight();
-    return U_SUCCESS(status) ? day : universal;
+    return U_SUCCESS(status) ? day : universalDay(time);
 }
 
 WallTime CalendarDays::daysBefore(WallTime time, int days) const {
-    const auto universal = time - std::chrono::days{days};
     if (!m_parts->calendar)
-        return universal;
+        return universallyBefore(time, days);
     UErrorCode status = U_ZERO_ERROR;
     m_parts->calendar->setTime(icuDate(time), status);
     m_parts->calendar->add(UCAL_DATE, -days, status);
     const auto earlier = wallTime(m_parts->calendar->getTime(status));
-    return U_SUCCESS(status) ? earlier : universal;
+    return U_SUCCESS(status) ? earlier : universallyBefore(time, days);
 }
 
 QString CalendarDays::mediumDate(WallTime time) const {
