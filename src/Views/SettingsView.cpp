@@ -208,7 +208,7 @@ QString SettingsView::fontSizeText() const {
 }
 
 QString SettingsView::sharingText() const {
-    const QString text =
+    QString text =
         u"Lets the coach see the frontmost window you're working on (HubSpot, deck, notes). Nothing is uploaded unless "
         "the screen changes, and frames are never written to disk."_s;
     if (m_parts.sharesWindows)
