@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QQuickWindow>
 
 #include "FakeStealth.h"
 
@@ -125,6 +126,13 @@ void ScreenDriver::setCaptureVisibility(const QString& visibility, const QString
 
 void ScreenDriver::setStealth(bool isOn) {
     session().setIsStealthEnabled(isOn);
+}
+
+QRectF ScreenDriver::placeAfterLayout(QQuickItem* item) const {
+    // A grab polishes until nothing is left that wants it, which a window's own frames may do much later.
+    if (QQuickWindow* const window = item->window())
+        window->grabWindow();
+    return item->mapRectToScene({0, 0, item->width(), item->height()});
 }
 
 bool ScreenDriver::isStealthOn() {

@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <QObject>
+#include <QQuickItem>
+#include <QRectF>
 #include <QString>
 #include <QVariantMap>
 
@@ -49,6 +51,9 @@ public:
     /// What has come of hiding it, by the cases' names, with a sentence.
     Q_INVOKABLE void setCaptureVisibility(const QString& visibility, const QString& explanation);
     Q_INVOKABLE void setStealth(bool isOn);
+
+    /// Lays everything out that waits for it, and draws. \return where `item` then lies in its window
+    Q_INVOKABLE [[nodiscard]] QRectF placeAfterLayout(QQuickItem* item) const;
 
     Q_INVOKABLE [[nodiscard]] bool isStealthOn();
     // How things stand in the settings. Empty texts mean none.

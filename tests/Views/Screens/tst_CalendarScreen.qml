@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "CalendarScreen"
-    when: windowShown
     width: 680
     height: 900
-    visible: true
 
     Component {
         id: content
@@ -34,41 +32,6 @@ TestCase {
         return screen;
     }
 
-    function item(screen, name) {
-        const found = findChild(screen, name);
-        verify(found !== null, name);
-        return found;
-    }
-
-    /// By mouse, once the layout leaves it where it is.
-    function press(control) {
-        let last = -1;
-        tryVerify(() => {
-            const before = last;
-            last = control.mapToItem(null, 0, 0).y;
-            return last === before && control.height > 0;
-        });
-        mouseClick(control);
-    }
-
-    function shows(screen, name) {
-        const found = findChild(screen, name);
-        return found !== null && found.visible;
-    }
-
-    /// All texts that show, from top to bottom.
-    function shownTexts(item) {
-        let texts = [];
-        if (!item.visible)
-            return texts;
-        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
-                && item.text.length > 0 && item.font.family !== homeDriver.theme.iconFamily)
-            texts.push(item.text);
-        for (let i = 0; i < item.children.length; ++i)
-            texts = texts.concat(shownTexts(item.children[i]));
-        return texts;
-    }
-
     function test_itAsksForMeetingsWhenItAppears() {
         homeDriver.signOut();
         open();
@@ -84,10 +47,10 @@ TestCase {
         const screen = open();
         compare(homeDriver.meetingRequests(), 1);
         tryVerify(() => shows(screen, "calendarEmptyState"));
-        compare(shownTexts(item(screen, "calendarEmptyState")),
+        compare(shownTexts(control(screen, "calendarEmptyState")),
                 ["No upcoming meetings", "Your Google Calendar meetings will appear here.", "Refresh"]);
         verify(!shows(screen, "meetingsSection"));
-        const button = item(screen, "emptyRefresh");
+        const button = control(screen, "emptyRefresh");
         if (data.tag === "mouse") {
             press(button);
         } else if (data.tag === "accessibility") {
@@ -127,7 +90,7 @@ TestCase {
         homeDriver.settle();
         homeDriver.setCalendarError("Authentication expired");
         const before = homeDriver.meetingRequests();
-        press(item(screen, "retry"));
+        press(control(screen, "retry"));
         compare(homeDriver.meetingRequests(), before + 1);
     }
 
@@ -138,7 +101,7 @@ TestCase {
     function test_aCardUnfoldsByMouseKeysAndAccessibility(data) {
         homeDriver.setMeetings(2);
         const screen = open();
-        const head = item(screen, "meetingHead0");
+        const head = control(screen, "meetingHead0");
         compare(driver.spoken(head).name, "Meeting 1");
         compare(driver.spoken(head).description, "Folded, 10:00 – 10:30");
         if (data.tag === "mouse") {
@@ -158,9 +121,9 @@ TestCase {
     function test_unfoldingASecondCardFoldsTheFirst() {
         homeDriver.setMeetings(2);
         const screen = open();
-        press(item(screen, "meetingHead0"));
+        press(control(screen, "meetingHead0"));
         tryVerify(() => shows(screen, "startCall0"));
-        press(item(screen, "meetingHead1"));
+        press(control(screen, "meetingHead1"));
         tryVerify(() => shows(screen, "startCall1"));
         verify(!shows(screen, "startCall0"));
     }
@@ -168,15 +131,15 @@ TestCase {
     function test_anUnfoldedCardShowsWhoAndWhichCompany() {
         homeDriver.setMeetings(1);
         const screen = open();
-        press(item(screen, "meetingHead0"));
+        press(control(screen, "meetingHead0"));
         tryVerify(() => shows(screen, "startCall0"));
-        compare(shownTexts(item(screen, "card0")),
+        compare(shownTexts(control(screen, "card0")),
                 ["Meeting 1", "10:00 – 10:30", "Sandra Weiss", "guest1@nordwind.example", "guest2",
                  "guest2@nordwind.example", "guest3", "guest3@nordwind.example", "guest4", "guest4@nordwind.example",
                  "guest5", "guest5@nordwind.example", "guest6", "guest6@nordwind.example", "+1 more", "Company",
                  "Nordwind Logistics GmbH", "· Germany", "· $248K", "Start Call"]);
-        compare(item(screen, "companyName").color, homeDriver.theme.cyan);
-        compare(item(screen, "companyRevenue").color, homeDriver.theme.green);
+        compare(control(screen, "companyName").color, homeDriver.theme.cyan);
+        compare(control(screen, "companyRevenue").color, homeDriver.theme.green);
     }
 
     function test_aCallStartsFromTheCard_data() {
@@ -187,15 +150,15 @@ TestCase {
         homeDriver.setMeetings(2);
         const screen = open();
         if (data.tag === "button") {
-            press(item(screen, "meetingHead1"));
+            press(control(screen, "meetingHead1"));
             tryVerify(() => shows(screen, "startCall1"));
             waitForRendering(screen);
-            press(item(screen, "startCall1"));
+            press(control(screen, "startCall1"));
         } else if (data.tag === "quick") {
-            press(item(screen, "quickCall1"));
+            press(control(screen, "quickCall1"));
             verify(!shows(screen, "startCall1"));
         } else {
-            const quick = item(screen, "quickCall1");
+            const quick = control(screen, "quickCall1");
             compare(driver.spoken(quick).name, "Start call: Meeting 2");
             verify(driver.pressThroughAccessibility(quick));
         }
@@ -208,7 +171,7 @@ TestCase {
         homeDriver.setMeetings(1);
         tryVerify(() => shows(screen, "refresh"));
         const before = homeDriver.meetingRequests();
-        const refresh = item(screen, "refresh");
+        const refresh = control(screen, "refresh");
         verify(refresh.width >= 28 && refresh.height >= 28);
         compare(driver.spoken(refresh).name, "Refresh");
         press(refresh);

@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "CoachingOverlayScreen"
-    when: windowShown
     width: 700
     height: 350
-    visible: true
 
     Component {
         id: overlayScreen
@@ -130,7 +128,7 @@ TestCase {
         verify(row.height >= 28);
         verify(!brief.visible);
 
-        mouseClick(row);
+        press(row);
         tryVerify(() => brief.visible && brief.height > 20);
 
         row.forceActiveFocus(Qt.TabFocusReason);
@@ -147,7 +145,7 @@ TestCase {
         driver.setMode("cold_call");
         const screen = make();
         verify(shown(screen, "handoffCaption"));
-        mouseClick(findChild(screen, "companyRow"));
+        press(findChild(screen, "companyRow"));
         compare(driver.handoffsShown(), 1);
         verify(!shown(screen, "brief"));
     }
@@ -177,7 +175,7 @@ TestCase {
         verify(button.width >= 28 && button.height >= 28);
         verify(!driver.wasSessionEnded());
         if (data.tag === "mouse") {
-            mouseClick(button);
+            press(button);
         } else if (data.tag === "accessibility") {
             verify(driver.pressThroughAccessibility(button));
         } else {

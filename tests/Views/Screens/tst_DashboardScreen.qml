@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "DashboardScreen"
-    when: windowShown
     width: 680
     height: 520
-    visible: true
 
     Component {
         id: content
@@ -31,17 +29,11 @@ TestCase {
         return window;
     }
 
-    function control(window, name) {
-        const item = findChild(window, name);
-        verify(item !== null, name);
-        return item;
-    }
-
     function test_theOpenTabIsLitAndItsScreenShown() {
         const window = make();
         verify(control(window, "tab-home").isSelected);
         verify(driver.spoken(control(window, "tab-home")).isSelected);
-        mouseClick(control(window, "tab-settings"));
+        press(control(window, "tab-settings"));
         verify(control(window, "tab-settings").isSelected);
         verify(!control(window, "tab-home").isSelected);
         tryVerify(() => findChild(window, "form") !== null);
@@ -65,7 +57,7 @@ TestCase {
         verify(control(window, "sidebar-login").visible);
         verify(!control(window, "sidebar-account").visible);
         compare(driver.spoken(control(window, "sidebar-login")).name, "Login");
-        mouseClick(control(window, "sidebar-login"));
+        press(control(window, "sidebar-login"));
         verify(driver.asked("auth.login") > 0);
     }
 
@@ -77,7 +69,7 @@ TestCase {
         verify(account.visible);
         compare(account.text, "sandra.weiss");
         verify(!control(window, "sidebar-login").visible);
-        mouseClick(account);
+        press(account);
         tryVerify(() => driver.asked("auth.logout") > 0);
         tryVerify(() => !account.visible);
     }
@@ -86,7 +78,7 @@ TestCase {
         const window = make();
         const first = control(window, "mode-0");
         verify(first.isSelected);
-        mouseClick(control(window, "mode-2"));
+        press(control(window, "mode-2"));
         verify(control(window, "mode-2").isSelected);
         verify(!first.isSelected);
         compare(driver.spoken(control(window, "mode-2")).isChecked, true);
@@ -105,13 +97,13 @@ TestCase {
         verify(update.visible);
         compare(update.text, "Update Available");
         compare(update.plainColor, driver.views.theme.green);
-        mouseClick(update);
+        press(update);
         compare(driver.updateChecks(), 1);
     }
 
     function test_theChatOpensInTheBrowser() {
         const window = make();
-        mouseClick(control(window, "crmChat"));
+        press(control(window, "crmChat"));
         compare(driver.openedPage(), "https://chat.test");
     }
 

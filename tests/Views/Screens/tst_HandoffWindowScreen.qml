@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "HandoffWindowScreen"
-    when: windowShown
     width: 520
     height: 600
-    visible: true
 
     Component {
         id: handoffScreen
@@ -91,11 +89,11 @@ TestCase {
     function test_theButtonsDoWhatTheySay() {
         handoffDriver.setWhole("## A & B");
         const screen = make();
-        mouseClick(findChild(screen, "hubSpot"));
+        press(findChild(screen, "hubSpot"));
         compare(handoffDriver.opened(), ["https://crm.example/contacts/42/company/77"]);
-        mouseClick(findChild(screen, "copy"));
+        press(findChild(screen, "copy"));
         compare(driver.clipboard(), "## A & B");
-        mouseClick(findChild(screen, "close"));
+        press(findChild(screen, "close"));
         compare(handoffDriver.closings(), 1);
     }
 
@@ -158,7 +156,7 @@ TestCase {
     function test_linksOpenOutside() {
         handoffDriver.setNote("jo@mail.example");
         const screen = make();
-        mouseClick(findChild(screen, "link0"));
+        press(findChild(screen, "link0"));
         compare(handoffDriver.opened(), ["mailto:jo@mail.example"]);
     }
 
@@ -166,7 +164,7 @@ TestCase {
         handoffDriver.setNote("jo@mail.example");
         handoffDriver.refuseToOpen("No program here takes mail addresses.");
         const screen = make();
-        mouseClick(findChild(screen, "link0"));
+        press(findChild(screen, "link0"));
         handoffDriver.opened();
         verify(findChild(screen, "notice").visible);
         compare(findChild(screen, "notice").text, "No program here takes mail addresses.");
@@ -182,7 +180,7 @@ TestCase {
         handoffDriver.setNote("line\n".repeat(3000));
         const screen = make();
         verify(findChild(screen, "cutNotice").visible);
-        mouseClick(findChild(screen, "copy"));
+        press(findChild(screen, "copy"));
         compare(driver.clipboard().length, 15000);
     }
 }

@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "HomeScreen"
-    when: windowShown
     width: 680
     height: 1400
-    visible: true
 
     Component {
         id: content
@@ -35,46 +33,6 @@ TestCase {
         return screen;
     }
 
-    function item(screen, name) {
-        const found = findChild(screen, name);
-        verify(found !== null, name);
-        return found;
-    }
-
-    /// By mouse, once the layout leaves it where it is.
-    function press(control) {
-        let last = -1;
-        tryVerify(() => {
-            const before = last;
-            last = control.mapToItem(null, 0, 0).y;
-            return last === before && control.height > 0;
-        });
-        mouseClick(control);
-    }
-
-    function shows(screen, name) {
-        const found = findChild(screen, name);
-        return found !== null && found.visible;
-    }
-
-    /// All texts that show, from top to bottom.
-    function shownTexts(item) {
-        let texts = [];
-        if (!item.visible)
-            return texts;
-        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
-                && item.text.length > 0 && item.font.family !== homeDriver.theme.iconFamily)
-            texts.push(item.text);
-        for (let i = 0; i < item.children.length; ++i)
-            texts = texts.concat(shownTexts(item.children[i]));
-        return texts;
-    }
-
-    function type(text) {
-        for (const letter of text)
-            keyClick(letter);
-    }
-
     /// The screen with the two results of a search.
     function searched() {
         const screen = open();
@@ -82,15 +40,15 @@ TestCase {
         homeDriver.letTimePass(400);
         tryVerify(() => findChild(screen, "resultHead1") !== null);
         // The second stands below the first once they are laid out.
-        tryVerify(() => item(screen, "resultHead1").mapToItem(screen, 0, 0).y
-                        >= item(screen, "resultHead0").mapToItem(screen, 0, 40).y);
+        tryVerify(() => control(screen, "resultHead1").mapToItem(screen, 0, 0).y
+                        >= control(screen, "resultHead0").mapToItem(screen, 0, 40).y);
         return screen;
     }
 
     /// The screen with the first result unfolded.
     function unfolded() {
         const screen = searched();
-        press(item(screen, "resultHead0"));
+        press(control(screen, "resultHead0"));
         homeDriver.settle();
         tryVerify(() => findChild(screen, "startCoaching") !== null);
         waitForRendering(screen);
@@ -102,18 +60,18 @@ TestCase {
     function test_whoIsNotSignedInIsAskedTo() {
         homeDriver.signOut();
         const screen = open();
-        const prompt = item(screen, "loginPrompt");
+        const prompt = control(screen, "loginPrompt");
         compare(shownTexts(prompt),
                 ["Sign in to start coaching",
                  "Real-time AI coaching for sales calls — MEDDIC tracking, objection handling, and next-step prompts.",
                  "Sign In"]);
         verify(findChild(screen, "search") === null);
-        verify(item(screen, "signIn").activeFocus);
+        verify(control(screen, "signIn").activeFocus);
         keyClick(Qt.Key_Return);
         verify(homeDriver.didLogIn());
         homeDriver.setUser("kim@corvellan.example");
         tryVerify(() => findChild(screen, "search") !== null);
-        tryVerify(() => item(screen, "search").activeFocus);
+        tryVerify(() => control(screen, "search").activeFocus);
     }
 
     function test_aFailedSignInIsTold() {
@@ -127,7 +85,7 @@ TestCase {
 
     function test_theEmptyScreenHasSearchPrepAndTheStart() {
         const screen = open();
-        compare(shownTexts(item(screen, "homeArea")).filter(text => !text.match(/^(Discovery|Demo|Budget|Close|Support|Renewal|Upsell)$/)),
+        compare(shownTexts(control(screen, "homeArea")).filter(text => !text.match(/^(Discovery|Demo|Budget|Close|Support|Renewal|Upsell)$/)),
                 ["Corvellan Bram", "Search company...",
                  "Search CRM & HubSpot to get company context before your call.", "Call Prep", "0/1000",
                  "Follow-up items, prep notes...", "Start Coaching"]);
@@ -150,9 +108,9 @@ TestCase {
         const screen = unfolded();
         for (const name of ["clearSearch", "resultHead0", "goal0", "goal6", "startCoaching", "crmLink", "meeting0",
                             "lastSession"]) {
-            const control = item(screen, name);
-            verify(control.width >= 28 && control.height >= 28, name);
-            verify(driver.spoken(control).name.length > 0, name);
+            const item = control(screen, name);
+            verify(item.width >= 28 && item.height >= 28, name);
+            verify(driver.spoken(item).name.length > 0, name);
         }
     }
 
@@ -160,14 +118,14 @@ TestCase {
 
     function test_theFieldHasTheKeyboardAndIsCyan() {
         const screen = open();
-        const field = item(screen, "search");
+        const field = control(screen, "search");
         tryVerify(() => field.activeFocus);
-        compare(item(screen, "searchIcon").color, homeDriver.theme.cyan);
-        compare(item(screen, "searchField").border.color, Qt.alpha(homeDriver.theme.cyan, 0.5));
+        compare(control(screen, "searchIcon").color, homeDriver.theme.cyan);
+        compare(control(screen, "searchField").border.color, Qt.alpha(homeDriver.theme.cyan, 0.5));
         compare(driver.spoken(field).name, "Search company");
         keyClick(Qt.Key_Tab);
         verify(!field.activeFocus);
-        compare(item(screen, "searchIcon").color, homeDriver.theme.gray);
+        compare(control(screen, "searchIcon").color, homeDriver.theme.gray);
     }
 
     function test_typingQuicklyAsksOnce() {
@@ -191,7 +149,7 @@ TestCase {
         verify(!shows(screen, "searchSpinner"));
         homeDriver.letTimePass(400);
         verify(shows(screen, "searchSpinner"));
-        compare(driver.spoken(item(screen, "search")).description, "Searching");
+        compare(driver.spoken(control(screen, "search")).description, "Searching");
         homeDriver.holdAnswers(false);
         tryVerify(() => !shows(screen, "searchSpinner"));
     }
@@ -202,20 +160,20 @@ TestCase {
 
     function test_theSearchIsCleared(data) {
         const screen = searched();
-        const clear = item(screen, "clearSearch");
+        const clear = control(screen, "clearSearch");
         if (data.tag === "button") {
             press(clear);
         } else if (data.tag === "accessibility") {
             verify(driver.pressThroughAccessibility(clear));
         } else {
             if (data.tag === "escape elsewhere")
-                item(screen, "goal0").forceActiveFocus();
+                control(screen, "goal0").forceActiveFocus();
             keyClick(Qt.Key_Escape);
         }
-        compare(item(screen, "search").text, "");
+        compare(control(screen, "search").text, "");
         tryVerify(() => !shows(screen, "resultsSection"));
         verify(!shows(screen, "clearSearch"));
-        verify(item(screen, "search").activeFocus);
+        verify(control(screen, "search").activeFocus);
     }
 
     // Results
@@ -226,7 +184,7 @@ TestCase {
 
     function test_aResultIsUnfoldedByMouseKeysAndAccessibility(data) {
         const screen = searched();
-        const head = item(screen, "resultHead0");
+        const head = control(screen, "resultHead0");
         compare(driver.spoken(head).name, "Nordwind Logistics GmbH");
         compare(driver.spoken(head).description, "Folded, CRM, nordwind.example, $248K, 17 orders");
         const act = () => {
@@ -249,7 +207,7 @@ TestCase {
 
     function test_theBriefStandsInItsOrder() {
         const screen = unfolded();
-        compare(shownTexts(item(screen, "brief")),
+        compare(shownTexts(control(screen, "brief")),
                 ["Total", "$2.5M", "Last 12mo", "$48K", "Orders", "17", "Products", "Zelto Monitor", "$31K",
                  "Zelto Probe", "Contacts", "Sandra Weiss", "sandra.weiss@nordwind.example", "Notes (9)", "CRM",
                  "HubSpot", "AE Handoff", "Engagement"]);
@@ -258,7 +216,7 @@ TestCase {
     function test_aBriefOnItsWayShowsASpinnerAndTheStart() {
         const screen = searched();
         homeDriver.holdAnswers(true);
-        press(item(screen, "resultHead0"));
+        press(control(screen, "resultHead0"));
         homeDriver.settle();
         tryVerify(() => shows(screen, "briefWait"));
         verify(!shows(screen, "brief"));
@@ -271,18 +229,18 @@ TestCase {
     function test_aFailedBriefShowsWhyAndTheStart() {
         homeDriver.failLoads();
         const screen = searched();
-        press(item(screen, "resultHead0"));
+        press(control(screen, "resultHead0"));
         homeDriver.settle();
         tryVerify(() => shows(screen, "briefProblem"));
-        compare(item(screen, "briefProblem").text, "Briefing API error (HTTP 500)");
+        compare(control(screen, "briefProblem").text, "Briefing API error (HTTP 500)");
         verify(shows(screen, "startCoaching"));
     }
 
     function test_notesFoldOutInAListOfTheirOwn() {
         const screen = unfolded();
-        const notes = item(screen, "notes");
+        const notes = control(screen, "notes");
         press(notes.head);
-        const list = item(screen, "noteList");
+        const list = control(screen, "noteList");
         tryVerify(() => list.visible && list.height > 40);
         verify(list.height <= 320);
         compare(list.count, 9);
@@ -293,15 +251,15 @@ TestCase {
 
     function test_linksOpenPages() {
         const screen = unfolded();
-        press(item(screen, "crmLink"));
+        press(control(screen, "crmLink"));
         compare(homeDriver.openedPage(), "https://crm.example/42");
-        press(item(screen, "hubspotLink"));
+        press(control(screen, "hubspotLink"));
         compare(homeDriver.openedPage(), "https://hubspot.example/hs-42");
     }
 
     function test_theHandoffLoadsWhenUnfolded() {
         const screen = unfolded();
-        const handoff = item(screen, "handoff");
+        const handoff = control(screen, "handoff");
         homeDriver.holdAnswers(true);
         press(handoff.head);
         homeDriver.settle();
@@ -313,21 +271,21 @@ TestCase {
         for (const text of ["240 devices", "12 calls", "7 emails", "Copy", "Open Window"])
             verify(texts.includes(text), text);
         verify(shows(screen, "handoffNote"));
-        press(item(screen, "copyHandoff"));
+        press(control(screen, "copyHandoff"));
         verify(homeDriver.clipboard().startsWith("## Summary"));
-        press(item(screen, "openHandoff"));
+        press(control(screen, "openHandoff"));
         compare(homeDriver.handoffsShown(), 1);
     }
 
     function test_aFailedHandoffShowsWhyAndCanBeAskedForAgain() {
         const screen = unfolded();
         homeDriver.failLoads();
-        press(item(screen, "handoff").head);
+        press(control(screen, "handoff").head);
         homeDriver.settle();
         tryVerify(() => shows(screen, "handoffProblem"));
-        compare(item(screen, "handoffProblem").text, "Handoff: Briefing API error (HTTP 500)");
+        compare(control(screen, "handoffProblem").text, "Handoff: Briefing API error (HTTP 500)");
         homeDriver.knowCompanies();
-        press(item(screen, "loadHandoff"));
+        press(control(screen, "loadHandoff"));
         homeDriver.settle();
         tryVerify(() => shows(screen, "copyHandoff"));
         verify(!shows(screen, "handoffProblem"));
@@ -335,10 +293,10 @@ TestCase {
 
     function test_aLongTimelineMakesOnlyTheRowsThatShow() {
         const screen = unfolded();
-        const timeline = item(screen, "timeline");
+        const timeline = control(screen, "timeline");
         press(timeline.head);
         homeDriver.settle();
-        const list = item(screen, "eventList");
+        const list = control(screen, "eventList");
         tryVerify(() => list.visible && list.height > 40);
         compare(list.count, 400);
         verify(list.height <= 320);
@@ -354,15 +312,15 @@ TestCase {
         homeDriver.failLoads();
         const screen = searched();
         homeDriver.knowCompanies();
-        press(item(screen, "resultHead0"));
+        press(control(screen, "resultHead0"));
         homeDriver.settle();
         homeDriver.failLoads();
         tryVerify(() => shows(screen, "brief"));
-        press(item(screen, "timeline").head);
+        press(control(screen, "timeline").head);
         homeDriver.settle();
         tryVerify(() => shows(screen, "noEvents"));
-        compare(item(screen, "noEvents").text, "No recent activity");
-        compare(item(screen, "timelineProblem").text, "Timeline: Briefing API error (HTTP 500)");
+        compare(control(screen, "noEvents").text, "No recent activity");
+        compare(control(screen, "timelineProblem").text, "Timeline: Briefing API error (HTTP 500)");
     }
 
     function test_aCallStartsByMouseKeysAndAccessibility_data() {
@@ -371,7 +329,7 @@ TestCase {
 
     function test_aCallStartsByMouseKeysAndAccessibility(data) {
         const screen = unfolded();
-        const button = item(screen, "startCoaching");
+        const button = control(screen, "startCoaching");
         compare(driver.spoken(button).name, "Start Coaching");
         if (data.tag === "mouse") {
             press(button);
@@ -386,7 +344,7 @@ TestCase {
 
     function test_aCallStartsWithoutACompany() {
         const screen = open();
-        const button = item(screen, "startWithoutCompany");
+        const button = control(screen, "startWithoutCompany");
         compare(driver.spoken(button).name, "Start Coaching");
         press(button);
         tryVerify(() => homeDriver.isSessionActive());
@@ -400,7 +358,7 @@ TestCase {
 
     function test_aHeldKeyStartsNothing(data) {
         const screen = unfolded();
-        item(screen, "startCoaching").forceActiveFocus(Qt.TabFocusReason);
+        control(screen, "startCoaching").forceActiveFocus(Qt.TabFocusReason);
         // As from a key that has ended the last call and is still down.
         for (let i = 0; i < 3; ++i)
             driver.repeatKey(screen.Window.window, data.key);
@@ -411,28 +369,28 @@ TestCase {
         homeDriver.setMeetings(1);
         const screen = unfolded();
         homeDriver.holdConnecting();
-        press(item(screen, "startCoaching"));
+        press(control(screen, "startCoaching"));
         homeDriver.settle();
-        tryVerify(() => !item(screen, "startCoaching").enabled);
-        verify(!item(screen, "meeting0").enabled);
+        tryVerify(() => !control(screen, "startCoaching").enabled);
+        verify(!control(screen, "meeting0").enabled);
     }
 
     // Call prep
 
     function test_aPastedNoteIsCutAndTheCounterWarns() {
         const screen = open();
-        const notes = item(screen, "callPrepNotes");
-        compare(item(screen, "notesCounter").color, homeDriver.theme.gray);
+        const notes = control(screen, "callPrepNotes");
+        compare(control(screen, "notesCounter").color, homeDriver.theme.gray);
         notes.forceActiveFocus();
         notes.text = "x".repeat(1500);
         compare(notes.text.length, 1000);
-        compare(item(screen, "notesCounter").text, "1000/1000");
-        compare(item(screen, "notesCounter").color, homeDriver.theme.orange);
+        compare(control(screen, "notesCounter").text, "1000/1000");
+        compare(control(screen, "notesCounter").color, homeDriver.theme.orange);
     }
 
     function test_aTextThatIsFullTakesNoMore() {
         const screen = open();
-        const notes = item(screen, "callPrepNotes");
+        const notes = control(screen, "callPrepNotes");
         notes.text = "x".repeat(999);
         notes.forceActiveFocus();
         notes.cursorPosition = 3;
@@ -446,24 +404,24 @@ TestCase {
     function test_tabLeavesTheNotes() {
         homeDriver.addRecord("Nordwind", false, false);
         const screen = open();
-        const notes = item(screen, "callPrepNotes");
+        const notes = control(screen, "callPrepNotes");
         notes.forceActiveFocus();
         keyClick(Qt.Key_Tab);
         verify(!notes.activeFocus);
         compare(notes.text, "");
-        verify(item(screen, "startWithoutCompany").activeFocus);
+        verify(control(screen, "startWithoutCompany").activeFocus);
         keyClick(Qt.Key_Backtab);
         verify(notes.activeFocus);
     }
 
     function test_notesAndGoalsOutliveTheScreen() {
         const first = open();
-        item(first, "callPrepNotes").text = "Ask about hosting";
-        press(item(first, "goal2"));
+        control(first, "callPrepNotes").text = "Ask about hosting";
+        press(control(first, "goal2"));
         first.destroy();
         const second = open();
-        compare(item(second, "callPrepNotes").text, "Ask about hosting");
-        verify(driver.spoken(item(second, "goal2")).isChecked);
+        compare(control(second, "callPrepNotes").text, "Ask about hosting");
+        verify(driver.spoken(control(second, "goal2")).isChecked);
     }
 
     function test_goalsAreChosenByMouseKeysAndAccessibility_data() {
@@ -472,7 +430,7 @@ TestCase {
 
     function test_goalsAreChosenByMouseKeysAndAccessibility(data) {
         const screen = open();
-        const goal = item(screen, "goal2");
+        const goal = control(screen, "goal2");
         const chip = findChild(goal, "chip");
         const tint = homeDriver.theme.named["green"];
         compare(driver.spoken(goal).name, "Budget");
@@ -499,10 +457,10 @@ TestCase {
     function test_goalsFlowOverSeveralLines() {
         const screen = open();
         screen.width = 360;
-        tryVerify(() => item(screen, "goal6").y > item(screen, "goal0").y);
-        const area = item(screen, "goals");
+        tryVerify(() => control(screen, "goal6").y > control(screen, "goal0").y);
+        const area = control(screen, "goals");
         for (let i = 0; i < 7; ++i) {
-            const goal = item(screen, "goal" + i);
+            const goal = control(screen, "goal" + i);
             tryVerify(() => goal.x + goal.width <= area.width);
             tryVerify(() => goal.y + goal.height <= area.height);
         }
@@ -515,18 +473,18 @@ TestCase {
         const screen = open();
         verify(shows(screen, "meeting2"));
         verify(findChild(screen, "meeting3") === null);
-        const row = item(screen, "meeting1");
+        const row = control(screen, "meeting1");
         compare(driver.spoken(row).name, "Meeting 2");
         compare(driver.spoken(row).description, "10:00 – 10:30. Starts the call");
         press(row);
         compare(homeDriver.currentCompany(), "Meeting 2");
-        compare(item(screen, "search").text, "Meeting 2");
+        compare(control(screen, "search").text, "Meeting 2");
     }
 
     function test_theLastSessionLeadsToTheHistory() {
         homeDriver.addRecord("Nordwind", true, false);
         const screen = open();
-        const card = item(screen, "lastSession");
+        const card = control(screen, "lastSession");
         compare(shownTexts(card), ["4/6", "Nordwind", "TRAIN", "02.03.2026 · 12m 3s"]);
         compare(driver.spoken(card).description, "4/6, Training, 02.03.2026 · 12m 3s");
         press(card);
@@ -536,7 +494,7 @@ TestCase {
     function test_aColdCallHasNoScoreOnItsCard() {
         homeDriver.addRecord("", false, true);
         const screen = open();
-        compare(shownTexts(item(screen, "lastSession")), ["Session", "02.03.2026 · 12m 3s"]);
+        compare(shownTexts(control(screen, "lastSession")), ["Session", "02.03.2026 · 12m 3s"]);
     }
 
     // Looks
@@ -547,11 +505,11 @@ TestCase {
         const screen = unfolded();
         screen.width = 380;
         waitForRendering(screen);
-        const brief = item(screen, "brief");
+        const brief = control(screen, "brief");
         verify(brief.width <= 380 - 40);
         for (const name of ["resultHead0", "startCoaching", "lastSession", "meeting0"]) {
-            const control = item(screen, name);
-            const right = control.mapToItem(screen, control.width, 0).x;
+            const item = control(screen, name);
+            const right = item.mapToItem(screen, item.width, 0).x;
             verify(right <= 380, name);
         }
     }
@@ -562,7 +520,7 @@ TestCase {
         const screen = open();
         screen.height = 240;
         waitForRendering(screen);
-        const card = item(screen, "lastSession");
+        const card = control(screen, "lastSession");
         card.forceActiveFocus(Qt.TabFocusReason);
         tryVerify(() => {
             const top = card.mapToItem(screen, 0, 0).y;

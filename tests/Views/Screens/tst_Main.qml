@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "Main"
-    when: windowShown
     width: 680
     height: 520
-    visible: true
 
     Component {
         id: mainContent

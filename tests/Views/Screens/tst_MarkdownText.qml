@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "MarkdownText"
-    when: windowShown
     width: 500
     height: 600
-    visible: true
 
     Component {
         id: markdownText
@@ -103,10 +101,10 @@ TestCase {
         const page = findChild(item, "page");
         page.forceActiveFocus(Qt.TabFocusReason);
         verify(findChild(item, "focusRing").visible);
-        mouseClick(item);
+        press(item);
         testCase.forceActiveFocus();
         verify(!findChild(item, "focusRing").visible);
-        mouseClick(page);
+        press(page);
         verify(page.activeFocus);
         verify(!findChild(item, "focusRing").visible);
     }
@@ -114,7 +112,7 @@ TestCase {
     function test_aLinkIsPressedByMouse() {
         const item = make("jo@mail.example");
         const link = findChild(item, "link0");
-        mouseClick(link);
+        press(link);
         compare(links.count, 1);
     }
 

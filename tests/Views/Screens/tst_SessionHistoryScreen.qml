@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "SessionHistoryScreen"
-    when: windowShown
     width: 508
     height: 520
-    visible: true
 
     Component {
         id: content
@@ -38,32 +36,10 @@ TestCase {
         return screen;
     }
 
-    function control(screen, name) {
-        const item = findChild(screen, name);
-        verify(item !== null, name);
-        return item;
-    }
-
     function row(screen, index) {
         const list = control(screen, "sessions");
         tryVerify(() => list.itemAtIndex(index) !== null);
         return list.itemAtIndex(index);
-    }
-
-    function shownTexts(item) {
-        let texts = [];
-        if (!item.visible)
-            return texts;
-        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
-                && item.text.length > 0 && item.font.family !== historyDriver.theme.iconFamily)
-            texts.push(item);
-        for (let i = 0; i < item.children.length; ++i)
-            texts = texts.concat(shownTexts(item.children[i]));
-        return texts;
-    }
-
-    function texts(item) {
-        return shownTexts(item).map(text => text.text);
     }
 
     // Without records
@@ -71,11 +47,11 @@ TestCase {
     function test_withoutSessionsItSaysSoAndOffersTheServer() {
         const screen = open();
         tryVerify(() => control(screen, "emptyHeadline").visible);
-        compare(texts(screen), ["History", "No sessions yet",
+        compare(shownTexts(screen), ["History", "No sessions yet",
                                 "Start a call or training session to see history here.", "Sync from Server"]);
         verify(!control(screen, "sessions").visible, "no pickers either");
         compare(historyDriver.syncsAsked(), 1);
-        mouseClick(control(screen, "syncFromServer"));
+        press(control(screen, "syncFromServer"));
         compare(historyDriver.syncsAsked(), 2);
         verify(historyDriver.pressThroughAccessibility(control(screen, "syncFromServer")));
         compare(historyDriver.syncsAsked(), 3);
@@ -101,13 +77,13 @@ TestCase {
         historyDriver.keep("Anruf GmbH", 2, { audience: "cold_call" });
         historyDriver.keep("", 25, { scenario: "price_push", score: 1 });
         const screen = open();
-        compare(texts(row(screen, 0)), ["4/6", "Nordwind", "TRAIN", "3m 12s", "12 turns"]);
-        compare(texts(row(screen, 1)), ["Anruf GmbH", "Cold Call", "3m 12s", "12 turns"]);
+        compare(shownTexts(row(screen, 0)), ["4/6", "Nordwind", "TRAIN", "3m 12s", "12 turns"]);
+        compare(shownTexts(row(screen, 1)), ["Anruf GmbH", "Cold Call", "3m 12s", "12 turns"]);
         verify(control(row(screen, 1), "symbol").visible);
-        compare(texts(row(screen, 2)), ["1/6", "price_push", "3m 12s", "12 turns"]);
+        compare(shownTexts(row(screen, 2)), ["1/6", "price_push", "3m 12s", "12 turns"]);
         verify(Qt.colorEqual(control(row(screen, 2), "rowTitle").color, historyDriver.theme.cyan));
         verify(Qt.colorEqual(control(row(screen, 0), "score").color, historyDriver.theme.named["yellow"]));
-        const days = texts(control(screen, "sessions")).filter(text => ["Today", "Yesterday"].includes(text));
+        const days = shownTexts(control(screen, "sessions")).filter(text => ["Today", "Yesterday"].includes(text));
         compare(days, ["Today", "Yesterday"]);
     }
 
@@ -117,23 +93,25 @@ TestCase {
         const screen = open();
         const list = control(screen, "sessions");
         compare(list.contentY, list.originY, "the filters are in view");
-        compare(texts(control(screen, "statCards")), ["2", "Sessions", "3.0/6", "Avg MEDDIC", "3m 12s", "Avg Duration",
-                                                      "6m", "Total Time"]);
-        compare(texts(control(screen, "criterionRates")), ["M", "50%", "E", "50%", "D", "50%", "D", "50%", "I", "50%",
-                                                           "C", "50%"]);
+        compare(shownTexts(control(screen, "statCards")),
+                ["2", "Sessions", "3.0/6", "Avg MEDDIC", "3m 12s", "Avg Duration",
+                 "6m", "Total Time"]);
+        compare(shownTexts(control(screen, "criterionRates")),
+                ["M", "50%", "E", "50%", "D", "50%", "D", "50%", "I", "50%",
+                 "C", "50%"]);
         const period = control(screen, "timeRange");
-        mouseClick(control(period, "segment0"));
+        press(control(period, "segment0"));
         tryCompare(control(screen, "sessions"), "count", 1);
         compare(control(control(screen, "statCard0"), "value").text, "1");
-        compare(texts(control(screen, "criterionRates"))[1], "100%");
+        compare(shownTexts(control(screen, "criterionRates"))[1], "100%");
         verify(Qt.colorEqual(control(control(screen, "criterionRate0"), "letter").color, historyDriver.theme.green));
     }
 
     function test_aFilterWithoutMatchesKeepsThePickers() {
         historyDriver.keep("Nordwind", 1);
         const screen = open();
-        mouseClick(control(control(screen, "filterMode"), "segment1"));
-        tryVerify(() => texts(screen).includes("No train sessions yet"));
+        press(control(control(screen, "filterMode"), "segment1"));
+        tryVerify(() => shownTexts(screen).includes("No train sessions yet"));
         verify(!control(screen, "statCards").visible);
         verify(!control(screen, "criterionRates").visible);
         verify(control(screen, "filterMode").visible && control(screen, "timeRange").visible);
@@ -173,7 +151,7 @@ TestCase {
         verify(list.activeFocus);
         if (data.tag === "mouse") {
             list.positionViewAtEnd();
-            mouseClick(row(screen, 1));
+            press(row(screen, 1));
         } else if (data.tag === "accessibility") {
             verify(historyDriver.pressThroughAccessibility(row(screen, 1)));
         } else {
@@ -197,7 +175,7 @@ TestCase {
         tryVerify(() => findChild(screen, "company") !== null);
         compare(control(screen, "company").text, "Nordwind");
         verify(control(screen, "done").visible);
-        mouseClick(control(screen, "done"));
+        press(control(screen, "done"));
         tryVerify(() => control(screen, "sessions").visible);
         compare(control(screen, "sessions").count, 2);
     }
@@ -239,7 +217,7 @@ TestCase {
         screen.width = 347;
         screen.height = 400;
         waitForRendering(screen);
-        for (const text of shownTexts(screen)) {
+        for (const text of shownTextItems(screen)) {
             verify(!text.truncated, text.text);
             const left = text.mapToItem(screen, 0, 0).x;
             verify(left >= 0 && left + text.width <= screen.width, text.text);

@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "SessionScreen"
-    when: windowShown
     width: 1050
     height: 525
-    visible: true
 
     Component {
         id: content
@@ -30,12 +28,6 @@ TestCase {
         const window = createTemporaryObject(content, testCase);
         waitForRendering(window);
         return window;
-    }
-
-    function control(window, name) {
-        const item = findChild(window, name);
-        verify(item !== null, name);
-        return item;
     }
 
     // Layouts
@@ -59,7 +51,7 @@ TestCase {
             const mini = control(window, "miniSessionBar");
             const button = control(window, mini.visible ? "expandButton" : "layoutButton");
             if (data.tag === "mouse") {
-                mouseClick(button);
+                press(button);
             } else if (data.tag === "accessibility") {
                 verify(driver.pressThroughAccessibility(button));
             } else if (data.tag === "keys") {
@@ -120,7 +112,7 @@ TestCase {
         driver.setHandoff("# Note");
         verify(button.visible);
         compare(button.tip, "Open AE Handoff");
-        mouseClick(button);
+        press(button);
         compare(driver.handoffsShown(), 1);
     }
 
@@ -131,8 +123,8 @@ TestCase {
         const list = control(window, "transcript");
         tryVerify(() => list.itemAtIndex(0) !== null);
         compare(findChild(list.itemAtIndex(0), "text").font.pixelSize, 11);
-        mouseClick(control(window, "fontButton"));
-        mouseClick(control(window, "fontButton"));
+        press(control(window, "fontButton"));
+        press(control(window, "fontButton"));
         compare(findChild(list.itemAtIndex(0), "text").font.pixelSize, 22);
         compare(findChild(list.itemAtIndex(0), "tag").width, 72);
     }
@@ -146,7 +138,7 @@ TestCase {
         for (let i = 0; i < data.cycles; ++i)
             driver.views.live.cycleSessionTab();
         waitForRendering(window);
-        mouseClick(control(window, data.button));
+        press(control(window, data.button));
         verify(driver.wasSessionEnded());
     }
 
@@ -205,7 +197,7 @@ TestCase {
         verify(control(window, "skipHint").visible);
         const mute = control(window, "muteButton");
         compare(mute.symbol, "speaker.wave.2.fill");
-        mouseClick(mute);
+        press(mute);
         compare(mute.symbol, "speaker.slash.fill");
         verify(driver.spoken(mute).isChecked);
     }

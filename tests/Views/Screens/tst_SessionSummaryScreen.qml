@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "SessionSummaryScreen"
-    when: windowShown
     width: 508
     height: 700
-    visible: true
 
     Component {
         id: content
@@ -43,32 +41,10 @@ TestCase {
         return screen;
     }
 
-    function control(screen, name) {
-        const item = findChild(screen, name);
-        verify(item !== null, name);
-        return item;
-    }
-
-    function shownTexts(item) {
-        let texts = [];
-        if (!item.visible)
-            return texts;
-        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
-                && item.text.length > 0 && item.font.family !== historyDriver.theme.iconFamily)
-            texts.push(item);
-        for (let i = 0; i < item.children.length; ++i)
-            texts = texts.concat(shownTexts(item.children[i]));
-        return texts;
-    }
-
-    function texts(item) {
-        return shownTexts(item).map(text => text.text);
-    }
-
-    function press(screen, name) {
+    function pressNamed(screen, name) {
         const item = control(screen, name);
         control(screen, "summaryForm").reveal(item);
-        mouseClick(item);
+        press(item);
     }
 
     function test_theSectionsStandInTheirOrder() {
@@ -78,11 +54,11 @@ TestCase {
         screen.height = 1400;
         waitForRendering(screen);
         const titles = ["MEDDIC Score", "Session", "Key Points", "Feedback", "Transcript"];
-        compare(texts(screen).filter(text => titles.includes(text)), titles);
-        compare(texts(control(screen, "meddic")).slice(0, 2), ["MEDDIC Score", "4/6"]);
-        compare(texts(control(screen, "facts")), ["Session", "Duration", "3m 12s", "Turns", "12", "DISC", "Steady",
+        compare(shownTexts(screen).filter(text => titles.includes(text)), titles);
+        compare(shownTexts(control(screen, "meddic")).slice(0, 2), ["MEDDIC Score", "4/6"]);
+        compare(shownTexts(control(screen, "facts")), ["Session", "Duration", "3m 12s", "Turns", "12", "DISC", "Steady",
                                                   "Date", control(screen, "date").text]);
-        compare(texts(control(screen, "storedFeedback")), ["Feedback", "Helpful"]);
+        compare(shownTexts(control(screen, "storedFeedback")), ["Feedback", "Helpful"]);
         verify(!control(screen, "feedback").visible);
         verify(!control(screen, "done").visible);
     }
@@ -93,7 +69,7 @@ TestCase {
         const form = control(screen, "summaryForm");
         compare(control(form, "company").text, "Nordwind");
         verify(control(form, "trainBadge").visible);
-        compare(texts(control(form, "audienceBadge")), ["Channel"]);
+        compare(shownTexts(control(form, "audienceBadge")), ["Channel"]);
     }
 
     function test_aColdCallHasNoMeddicSection() {
@@ -107,10 +83,10 @@ TestCase {
         historyDriver.keep("Nordwind", 30, { score: 1, evidence: ["20 % churn"] });
         const screen = open();
         const met = control(screen, "criterion0");
-        compare(texts(met), ["M", "Metrics", "20 % churn"]);
+        compare(shownTexts(met), ["M", "Metrics", "20 % churn"]);
         compare(control(met, "mark").symbol, "checkmark.circle.fill");
         const open_ = control(screen, "criterion1");
-        compare(texts(open_), ["E", "Economic Buyer"]);
+        compare(shownTexts(open_), ["E", "Economic Buyer"]);
         compare(control(open_, "mark").symbol, "circle");
         compare(historyDriver.spoken(met).name, "Metrics: confirmed, 20 % churn");
     }
@@ -126,7 +102,7 @@ TestCase {
         historyDriver.endCall("Nordwind");
         tryVerify(() => findChild(screen, "summaryForm") !== null);
         waitForRendering(screen);
-        verify(texts(control(screen, "feedback")).includes("How was this session?"));
+        verify(shownTexts(control(screen, "feedback")).includes("How was this session?"));
         const note = control(screen, "feedbackNote");
         verify(control(note, "placeholder").visible);
         compare(control(note, "placeholder").text, "Optional note...");
@@ -134,10 +110,10 @@ TestCase {
         keyClick("G");
         keyClick("o");
         verify(!control(note, "placeholder").visible);
-        press(screen, data.tag);
+        pressNamed(screen, data.tag);
         compare(JSON.parse(historyDriver.lastReport()), { note: "Go", rating: data.rating });
         tryVerify(() => control(screen, "result").visible);
-        compare(texts(control(screen, "result")), [data.word]);
+        compare(shownTexts(control(screen, "result")), [data.word]);
         verify(!control(screen, "helpful").visible && !control(screen, "notHelpful").visible);
     }
 
@@ -169,10 +145,10 @@ TestCase {
     function test_transcriptAndSummaryAreCopied() {
         historyDriver.keep("Nordwind", 30, { transcript: ["[Mic] Hello", "no prefix"] });
         const screen = open();
-        press(screen, "copyTranscript");
+        pressNamed(screen, "copyTranscript");
         compare(historyDriver.clipboard(), "[Mic] Hello\nno prefix");
         compare(control(screen, "shareNotice").text, "Transcript copied.");
-        press(screen, "copySummary");
+        pressNamed(screen, "copySummary");
         verify(historyDriver.clipboard().startsWith("# Corvellan Bram — Session Report\n\n**Company:** Nordwind\n"));
     }
 
@@ -180,13 +156,13 @@ TestCase {
         historyDriver.keep("Nordwind", 30);
         const screen = open();
         verify(!control(screen, "shareWays").visible);
-        press(screen, "share");
+        pressNamed(screen, "share");
         verify(control(screen, "shareWays").visible);
-        press(screen, "shareByMail");
+        pressNamed(screen, "shareByMail");
         compare(historyDriver.mailed(), "Session report: Nordwind");
-        press(screen, "shareAsFile");
+        pressNamed(screen, "shareAsFile");
         verify(control(screen, "shareNotice").text.startsWith("Saved as "));
-        press(screen, "share");
+        pressNamed(screen, "share");
         verify(!control(screen, "shareWays").visible);
     }
 
@@ -201,7 +177,7 @@ TestCase {
         compare(historyDriver.spoken(back).name, "Back");
         verify(back.height >= 28);
         if (data.tag === "mouse")
-            mouseClick(back);
+            press(back);
         else if (data.tag === "escape")
             keyClick(Qt.Key_Escape);
         else
@@ -219,16 +195,16 @@ TestCase {
         compare(form.count, 5000);
         verify(form.contentItem.children.length < 100);
         keyClick(Qt.Key_End);
-        tryVerify(() => texts(form).includes("line 4999"));
+        tryVerify(() => shownTexts(form).includes("line 4999"));
         keyClick(Qt.Key_Home);
-        tryVerify(() => texts(form).includes("Copy Transcript") && form.contentY <= form.originY + 1);
+        tryVerify(() => shownTexts(form).includes("Copy Transcript") && form.contentY <= form.originY + 1);
     }
 
     function test_linesBearTheTagOfTheirSpeaker() {
         historyDriver.keep("Nordwind", 30, { audience: "cold_call",
                                              transcript: ["[Mic] a", "[Audio] b", "[Coach] c", "d"] });
         const screen = open();
-        const all = texts(control(screen, "summaryForm"));
+        const all = shownTexts(control(screen, "summaryForm"));
         compare(all.slice(all.indexOf("Transcript")), ["Transcript", "R", "a", "C", "b", "AI", "c", "?", "d"]);
     }
 
@@ -240,9 +216,9 @@ TestCase {
         const screen = open();
         screen.width = 347;
         screen.height = 2000;
-        press(screen, "share");
+        pressNamed(screen, "share");
         waitForRendering(screen);
-        for (const text of shownTexts(screen)) {
+        for (const text of shownTextItems(screen)) {
             verify(!text.truncated, text.text);
             const left = text.mapToItem(screen, 0, 0).x;
             verify(left >= 0 && left + text.width <= screen.width, text.text + " " + left + " " + text.width);

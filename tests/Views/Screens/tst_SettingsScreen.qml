@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "SettingsScreen"
-    when: windowShown
     width: 680
     height: 520
-    visible: true
 
     Component {
         id: content
@@ -35,30 +33,11 @@ TestCase {
         return window;
     }
 
-    function control(window, name) {
-        const item = findChild(window, name);
-        verify(item !== null, name);
-        return item;
-    }
-
     /// By mouse, wherever in the form it lies.
-    function press(window, name) {
+    function pressNamed(window, name) {
         const item = control(window, name);
         findChild(window, "form").reveal(item);
-        mouseClick(item);
-    }
-
-    /// All texts that show, from top to bottom.
-    function shownTexts(item) {
-        let texts = [];
-        if (!item.visible)
-            return texts;
-        if (item.text !== undefined && item.font !== undefined && item.contentItem === undefined
-                && item.text.length > 0 && item.font.family !== driver.views.theme.iconFamily)
-            texts.push(item.text);
-        for (let i = 0; i < item.children.length; ++i)
-            texts = texts.concat(shownTexts(item.children[i]));
-        return texts;
+        press(item);
     }
 
     // Ways in and out
@@ -73,7 +52,7 @@ TestCase {
         const tab = control(window, "tab-settings");
         compare(driver.spoken(tab).name, "Settings");
         if (data.tag === "mouse") {
-            mouseClick(tab);
+            press(tab);
         } else if (data.tag === "keys") {
             keyClick(Qt.Key_Backtab);
             while (!tab.activeFocus && !control(window, "tab-home").activeFocus)
@@ -90,7 +69,7 @@ TestCase {
         tryVerify(() => findChild(window, "form") !== null);
         tryVerify(() => findChild(window, "homeArea") === null);
         if (data.tag === "mouse")
-            mouseClick(control(window, "tab-home"));
+            press(control(window, "tab-home"));
         else if (data.tag === "accessibility")
             verify(driver.pressThroughAccessibility(control(window, "tab-home")));
         else
@@ -102,7 +81,7 @@ TestCase {
     function test_escapeClosesAnOpenPicker() {
         const window = open();
         const picker = control(window, "serverMode");
-        press(window, "serverMode");
+        pressNamed(window, "serverMode");
         tryVerify(() => picker.popup.opened);
         keyClick(Qt.Key_Escape);
         tryVerify(() => !picker.popup.visible);
@@ -164,21 +143,21 @@ TestCase {
         compare(control(window, "accountRow").label, "Not signed in");
         compare(control(window, "accountRow").labelColorName, "orange");
         verify(waitForRendering(window));
-        press(window, "login");
+        pressNamed(window, "login");
         compare(driver.asked("auth.login"), 1);
         driver.setUser("ada@teskara.test");
         compare(control(window, "accountRow").label, "Signed in");
         compare(control(window, "account").text, "ada@teskara.test");
         verify(!control(window, "login").visible);
         verify(waitForRendering(window));
-        press(window, "logout");
+        pressNamed(window, "logout");
         compare(driver.asked("auth.logout"), 1);
     }
 
     function test_theExtensionsRowsFollowTheLink() {
         const window = open();
         verify(control(window, "installRow").visible);
-        press(window, "installSensor");
+        pressNamed(window, "installSensor");
         compare(driver.openedPage(), "https://store.test/corvellan-sensor");
         const link = control(window, "installSensor");
         compare(driver.spoken(link).role, Accessible.Link);
@@ -224,7 +203,7 @@ TestCase {
         verify(Qt.colorEqual(control(window, "permissionStatus0").color, driver.views.theme.named.red));
         tryCompare(control(window, "notificationStatus"), "text", "Denied — enable in System Settings");
         verify(Qt.colorEqual(control(window, "notificationDot").color, driver.views.theme.named.red));
-        press(window, "openSystemSettings");
+        pressNamed(window, "openSystemSettings");
         compare(driver.asked("settings.openPrivacyPane"), 1);
     }
 
@@ -247,7 +226,7 @@ TestCase {
         const advice = control(window, "hidingAdvice");
         verify(advice.visible);
         compare(findChild(advice, "code").text, lines);
-        press(window, "copyCode");
+        pressNamed(window, "copyCode");
         compare(driver.clipboard(), lines);
         // The lines themselves can be reached and left.
         const code = findChild(advice, "code");
@@ -288,7 +267,7 @@ TestCase {
         verify(driver.spoken(item).isCheckable);
         verify(driver.spoken(item).name.length > 0);
         compare(item.isOn, isOn);
-        press(window, data.tag);
+        pressNamed(window, data.tag);
         isOn = !isOn;
         check("mouse");
         item.forceActiveFocus(Qt.TabFocusReason);
@@ -305,7 +284,7 @@ TestCase {
     function test_aRefusedLoginItemSetsTheSwitchBack() {
         driver.refuseLoginItems();
         const window = open();
-        press(window, "launchAtLogin");
+        pressNamed(window, "launchAtLogin");
         const item = control(window, "launchAtLogin");
         verify(!item.isOn);
         verify(!item.checked);
@@ -316,9 +295,9 @@ TestCase {
         const window = open();
         const picker = control(window, "serverMode");
         compare(picker.displayText, "Local (dev)");
-        press(window, "serverMode");
+        pressNamed(window, "serverMode");
         tryVerify(() => picker.popup.opened);
-        mouseClick(picker.popup.contentItem.itemAtIndex(0));
+        press(picker.popup.contentItem.itemAtIndex(0));
         tryVerify(() => !picker.popup.visible);
         compare(picker.displayText, "Production");
         compare(driver.stored("serverMode"), "production");
@@ -398,7 +377,7 @@ TestCase {
 
     function test_buttons(data) {
         const window = open();
-        press(window, data.tag);
+        pressNamed(window, data.tag);
         compare(driver.asked(data.step), 1);
         const button = control(window, data.tag);
         button.forceActiveFocus(Qt.TabFocusReason);
@@ -418,7 +397,7 @@ TestCase {
         verify(!button.enabled);
         driver.provideUpdater();
         verify(button.enabled);
-        press(window, "checkForUpdates");
+        pressNamed(window, "checkForUpdates");
         compare(driver.updateChecks(), 1);
     }
 

@@ -2,14 +2,12 @@ import QtQuick
 import QtTest
 import Corvellan.Views
 
-TestCase {
+ScreenCase {
     id: testCase
 
     name: "StealthControl"
-    when: windowShown
     width: 700
     height: 400
-    visible: true
 
     Component {
         id: control
@@ -76,7 +74,7 @@ TestCase {
         button.forceActiveFocus(Qt.TabFocusReason);
         for (const isOn of [true, false]) {
             if (data.tag === "mouse")
-                mouseClick(button);
+                press(button);
             else if (data.tag === "accessibility")
                 verify(driver.pressThroughAccessibility(button));
             else
