@@ -103,8 +103,9 @@ class Program:
                 continue
         return None
 
-    def widgets(self):
-        """Every accessible object with a name that is on screen, from the window down."""
+    def widgets(self, everywhere=False):
+        """Every accessible object with a name that is on screen, from the window down; where it is asked for
+        `everywhere` also those that are scrolled out of sight or hidden, which look alike from here."""
         application = self._application()
         waiting = [application] if application else []
         while waiting:
@@ -115,7 +116,7 @@ class Program:
                     child = widget.get_child_at_index(index)
                     if child:
                         waiting.append(child)
-                if widget.get_name() and widget.get_state_set().contains(Atspi.StateType.SHOWING):
+                if widget.get_name() and (everywhere or widget.get_state_set().contains(Atspi.StateType.SHOWING)):
                     yield widget
             except GLib.Error:
                 # The tree changes while it is walked.

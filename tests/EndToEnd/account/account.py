@@ -1,108 +1,27 @@
 """Signs in with a real browser, starts a call from a meeting, rates it, and looks for the rating on the server.
 Then lets the browser extension begin a call and end it.
 
-The server is the sandbox at its address that is not this machine's own, where everything asks for a token.
 Expects the private surroundings that `run` brings up.
 """
 
 import argparse
-import json
-import os
-import stat
 import subprocess
 import sys
 import time
 import urllib.error
-import urllib.request
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "tools/demo"))
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
-from program import NotThere, Program, wait_for  # noqa: E402
-
-from selenium import webdriver  # noqa: E402
-from selenium.webdriver.common.by import By  # noqa: E402
-from selenium.webdriver.chrome.options import Options  # noqa: E402
-from selenium.webdriver.chrome.service import Service  # noqa: E402
-
-USER = "sandra.weiss@fernhill.example"
-COACH = "http://127.0.0.2:3001"
-# Shorter calls leave no record.
-KEPT_AFTER_SECONDS = 11
+from signedin import SignedIn  # noqa: E402
+from walk import KEPT_AFTER_SECONDS, Wrong, expect, wait_for, walk  # noqa: E402
 
 
-class Wrong(Exception):
-    """Something is not as it has to be."""
-
-
-def expect(what, seen, wanted):
-    if seen != wanted:
-        raise Wrong(f"{what}: {seen!r} instead of {wanted!r}")
-
-
-class Account:
-    def __init__(self, options):
-        self.programs = Path(options.bin).resolve()
-        self.output = Path(options.output).resolve()
-        self.output.mkdir(parents=True, exist_ok=True)
-        self.home = Path(os.environ["HOME"])
-        self.asked_pages = self.output / "pages.txt"
-        self.asked_pages.write_text("")
-        self.sandbox = self.program = None
-
-    # --- Steps that others are made of ---
-
-    def give_the_desktop_a_browser(self):
-        """One that writes down what it is asked to open."""
-        browser = self.output / "browser"
-        browser.write_text(f'#!/bin/sh\nprintf "%s\\n" "$1" >>"{self.asked_pages}"\n')
-        browser.chmod(0o755)
-        entry = self.home / ".local/share/applications/test-browser.desktop"
-        entry.parent.mkdir(parents=True, exist_ok=True)
-        entry.write_text(f"[Desktop Entry]\nType=Application\nName=Test Browser\nExec={browser} %u\n"
-                         "MimeType=x-scheme-handler/http;x-scheme-handler/https;\n")
-        chosen = self.home / ".config/mimeapps.list"
-        chosen.parent.mkdir(parents=True, exist_ok=True)
-        chosen.write_text("[Default Applications]\nx-scheme-handler/http=test-browser.desktop\n"
-                          "x-scheme-handler/https=test-browser.desktop\n")
-
-    def start_sandbox(self):
-        log = self.output / "sandbox.log"
-        self.sandbox = Program([str(self.programs / "corvellan-sandbox"), "--user", USER], log)
-        wait_for("the sandbox", 15, lambda: self.sandbox.is_running() and "\nready\n" in log.read_text())
-
+class Account(SignedIn):
     def start_program(self):
-        settings = self.home / ".config/corvellan/bram.ini"
-        settings.parent.mkdir(parents=True, exist_ok=True)
-        settings.write_text("[General]\nonboardingCompleted=true\n")
-        self.program = Program([str(self.programs / "corvellan-bram-sandbox")], self.output / "program.log")
+        self.preset("onboardingCompleted=true")
+        self.launch()
         self.wait_for_name("Login")
-
-    def wait_for_name(self, name, seconds=20):
-        wait_for(f'"{name}" on the screen', seconds, lambda: name in self.program.names(), every=0.2)
-
-    def widget(self, name):
-        return next((widget for widget in self.program.widgets() if widget.get_name() == name), None)
-
-    def press(self, name):
-        """Whatever it is: a button, a tab, a row."""
-        widget = wait_for(f'"{name}"', 20, lambda: self.widget(name), every=0.2)
-        if not widget.get_action_iface().do_action(0):
-            raise NotThere(f'"{name}" refused to be pressed')
-
-    def debug_log(self):
-        path = self.home / "corvellan-debug.log"
-        return path.read_text() if path.exists() else ""
-
-    def tokens(self):
-        return json.loads((self.home / ".config/corvellan/auth.json").read_text())
-
-    def ask_server(self, path, token=None):
-        headers = {"Authorization": f"Bearer {token}"} if token else {}
-        with urllib.request.urlopen(urllib.request.Request(COACH + path, headers=headers), timeout=10) as answer:
-            return json.load(answer)
-
-    # --- What has to hold ---
 
     def nobody_is_signed_in(self):
         names = self.program.names()
@@ -114,30 +33,6 @@ class Account:
             raise Wrong("the server answers without a token")
         except urllib.error.HTTPError as refusal:
             expect("the server's answer without a token", refusal.code, 401)
-
-    def sign_in_through_the_browser(self):
-        self.press("Login")
-        page = wait_for("the page to sign in on", 20, lambda: self.asked_pages.read_text().strip())
-        expect("pages that were opened", len(page.splitlines()), 1)
-        options = Options()
-        # Whatever it would ask of the network beside the page stays off.
-        for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--disable-quic",
-                         "--no-first-run", "--disable-background-networking", "--disable-component-update",
-                         "--disable-sync"):
-            options.add_argument(argument)
-        browser = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
-        try:
-            browser.set_page_load_timeout(60)
-            browser.get(page)
-            expect("the page's heading", browser.find_element(By.TAG_NAME, "h1").text, "Sign in")
-            expect("the chosen account", browser.find_element(By.ID, "user").get_attribute("value"), USER)
-            browser.find_element(By.XPATH, "//button[text()='Sign in']").click()
-            wait_for("the page that says it is done", 20, lambda: "Authenticated!" in browser.page_source)
-        finally:
-            browser.quit()
-        self.wait_for_name(f"Sign out {USER.split('@')[0]}")
-        mode = stat.S_IMODE((self.home / ".config/corvellan/auth.json").stat().st_mode)
-        expect("the token file's mode", oct(mode), "0o600")
 
     def meetings_are_listed(self):
         self.press("Calendar")
@@ -196,8 +91,8 @@ class Account:
         self.extension("call-end")
         wait_for("the end of the call", 20, lambda: not self.program.button("End Session"), every=0.2)
 
-    def run(self):
-        steps = [
+    def steps(self):
+        return [
             self.give_the_desktop_a_browser,
             self.start_sandbox,
             self.start_program,
@@ -209,26 +104,7 @@ class Account:
             self.the_rating_is_on_the_server,
             self.the_extension_begins_a_call_and_ends_it,
         ]
-        try:
-            for step in steps:
-                print(f"==> {step.__name__.replace('_', ' ')}", flush=True)
-                step()
-            print("Everything holds", flush=True)
-            return 0
-        except (Wrong, NotThere) as problem:
-            print(f"FAILED: {problem}", flush=True)
-            if self.program:
-                print("\n".join(self.program.names()), flush=True)
-                self.program.screenshot(self.output / "failed.png", whole_screen=True)
-            return 1
-        finally:
-            for program in (self.program, self.sandbox):
-                if program:
-                    program.end()
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--bin", required=True)
-    parser.add_argument("--output", required=True)
-    sys.exit(Account(parser.parse_args()).run())
+    sys.exit(walk(Account, argparse.ArgumentParser()))

@@ -4,7 +4,6 @@ Expects the private surroundings that `run` brings up.
 """
 
 import argparse
-import os
 import re
 import signal
 import sqlite3
@@ -13,9 +12,9 @@ import sys
 import time
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "tools/demo"))
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
-from program import NotThere, Program, wait_for  # noqa: E402
+from walk import KEPT_AFTER_SECONDS, Walk, Wrong, expect, out, wait_for, walk  # noqa: E402
 from standins import Notifications, Tray, pump  # noqa: E402
 
 from gi.repository import Gio  # noqa: E402
@@ -25,25 +24,7 @@ MENU = [
     "Show Main Window", None, "Start Session", "Start Training", "End Session", "Toggle Stealth", None,
     "Check for Updates...", None, "Quit Corvellan",
 ]
-# Shorter calls leave no record.
-KEPT_AFTER_SECONDS = 11
 LEFT, RIGHT = (0, 1280), (1280, 2560)
-
-
-class Wrong(Exception):
-    """Something is not as it has to be."""
-
-
-def expect(what, seen, wanted):
-    if seen != wanted:
-        raise Wrong(f"{what}: {seen!r} instead of {wanted!r}")
-
-
-def out(*command, check=True):
-    done = subprocess.run(command, capture_output=True, text=True, timeout=20)
-    if check and done.returncode != 0:
-        raise Wrong(f"{' '.join(command)}: {done.stderr.strip()}")
-    return done.stdout
 
 
 def wait(what, ask, seconds=15):
@@ -102,30 +83,26 @@ class Window:
         return x + width / 2
 
 
-class Desktop:
+class Desktop(Walk):
     def __init__(self, options):
-        self.programs = Path(options.bin).resolve()
-        self.output = Path(options.output).resolve()
-        self.output.mkdir(parents=True, exist_ok=True)
-        self.home = Path(os.environ["HOME"])
+        super().__init__(options)
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
         self.tray = Tray(self.bus)
         self.notifications = Notifications(self.bus)
-        self.sandbox = self.program = None
         self.starts = 0
 
     # --- Steps that others are made of ---
 
+    def a_user_of_the_local_server(self):
+        self.preset("serverMode=local", "onboardingCompleted=true")
+
     def start_sandbox(self):
-        log = self.output / "sandbox.log"
-        self.sandbox = Program([str(self.programs / "corvellan-sandbox"), "--update", "9.9"], log)
-        wait("the sandbox", lambda: self.sandbox.is_running() and "\nready\n" in log.read_text())
+        self.start_sandbox_with("--update", "9.9")
 
     def start_program(self):
         self.starts += 1
-        self.log = self.output / f"program-{self.starts}.log"
         self.tray.items.clear()
-        self.program = Program([str(self.programs / "corvellan-bram-sandbox")], self.log)
+        self.launch(self.starts)
         window = self.visible_window()
         # Visible before the window manager has put a frame round it.
         wait("the window's frame", lambda: window.borders()[2] > 0)
@@ -162,10 +139,6 @@ class Desktop:
 
     def wait_until_listening(self):
         wait("the pipeline", lambda: "Pipeline ready" in self.debug_log())
-
-    def debug_log(self):
-        path = self.home / "corvellan-debug.log"
-        return path.read_text() if path.exists() else ""
 
     def focused(self):
         return out("xdotool", "getwindowfocus", check=False).strip()
@@ -308,7 +281,7 @@ class Desktop:
         self.program.process.send_signal(signal.SIGKILL)
         self.wait_for_end()
         self.expect_records(1)
-        preferences = (self.home / ".config/corvellan/bram.ini").read_text()
+        preferences = self.settings.read_text()
         if "serverMode=local" not in preferences or "hasRegisteredLoginItem=true" not in preferences:
             raise Wrong(f"the preferences: {preferences!r}")
         window = self.start_program()
@@ -324,11 +297,9 @@ class Desktop:
         self.start_program()
         expect("an autostart entry that the user has removed", entry.exists(), False)
 
-    def run(self):
-        settings = self.home / ".config/corvellan/bram.ini"
-        settings.parent.mkdir(parents=True, exist_ok=True)
-        settings.write_text("[General]\nserverMode=local\nonboardingCompleted=true\n")
-        steps = [
+    def steps(self):
+        return [
+            self.a_user_of_the_local_server,
             self.start_sandbox,
             self.idle_face_on_the_pointers_screen,
             self.the_badge_tells_of_an_update,
@@ -346,26 +317,7 @@ class Desktop:
             self.a_killed_program_leaves_what_it_stored,
             self.starts_at_login,
         ]
-        try:
-            for step in steps:
-                print(f"==> {step.__name__.replace('_', ' ')}", flush=True)
-                step()
-            print("Everything holds", flush=True)
-            return 0
-        except (Wrong, NotThere) as problem:
-            print(f"FAILED: {problem}", flush=True)
-            if self.program:
-                self.program.screenshot(self.output / "failed.png", whole_screen=True)
-                print(self.log.read_text()[-4000:], flush=True)
-            return 1
-        finally:
-            for program in (self.program, self.sandbox):
-                if program:
-                    program.end()
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--bin", required=True)
-    parser.add_argument("--output", required=True)
-    sys.exit(Desktop(parser.parse_args()).run())
+    sys.exit(walk(Desktop, argparse.ArgumentParser()))
