@@ -21,6 +21,13 @@ std::optional<QString> load() {
 }
 
 std::optional<QString> loadFrom(const QString& path) {
+    auto note = read(path);
+    if (note && text::trimmed(*note).isEmpty())
+        note.reset();
+    return note;
+}
+
+std::optional<QString> read(const QString& path) {
     // A pipe in its place would keep its reader waiting.
     QFile file{path};
     if (!QFileInfo{path}.isFile() || !file.open(QIODevice::ReadOnly))
@@ -32,7 +39,7 @@ std::optional<QString> loadFrom(const QString& path) {
     QStringDecoder decode{QStringDecoder::Utf8,
                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom};
     QString note = decode(bytes);
-    if (decode.hasError() || text::trimmed(note).isEmpty())
+    if (decode.hasError())
         return std::nullopt;
     return note;
 }

@@ -2,6 +2,7 @@
 #include <QUrlQuery>
 
 #include "Base/Text.h"
+#include "Models/MemoryStore.h"
 #include "SessionViewModel.h"
 
 using namespace Qt::StringLiterals;
@@ -13,7 +14,6 @@ namespace {
 
 constexpr auto summaryTimeout = 3s;
 constexpr auto silenceLimit = 120s;
-constexpr qsizetype memoryNoteLimit = 2000;
 
 QString presence(const std::optional<QString>& value) {
     return value ? u"yes"_s : u"nil"_s;
@@ -61,7 +61,7 @@ void SessionViewModel::startSession(StartRequest request) {
 std::optional<QString> SessionViewModel::serverContext(const std::optional<QString>& callNotes) const {
     QStringList parts;
     if (const auto note = m_environment.loadMemoryNote ? m_environment.loadMemoryNote() : std::nullopt)
-        parts.append(u"Rep context:\n"_s + text::prefix(*note, memoryNoteLimit));
+        parts.append(u"Rep context:\n"_s + text::prefix(*note, MemoryStore::noteLimit));
     if (callNotes && !text::trimmed(*callNotes).isEmpty())
         parts.append(u"Call prep:\n"_s + *callNotes);
     if (parts.isEmpty())

@@ -27,6 +27,7 @@ ViewStates::ViewStates(const Parts& parts, QObject* parent)
                  .detail = {.clock = parts.session.environment().clock,
                             .browser = parts.settings.browser,
                             .reportFolder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}}),
+      m_memory(parts.session.environment().clock, parts.memoryFile),
       m_settings(parts.session, parts.preferences, parts.settings),
       m_stealth(parts.session, parts.captureHiding, parts.selfTest, parts.afterNextFrame) {
     connect(&m_home, &HomeView::historyRequested, &m_dashboard, [this] {

@@ -10,6 +10,8 @@
 #include "DashboardView.h"
 #include "HomeView.h"
 #include "LiveSessionView.h"
+#include "MemoryView.h"
+#include "Models/MemoryStore.h"
 #include "SessionHistoryView.h"
 #include "SettingsView.h"
 #include "Shell/Stealth/CaptureSelfTest.h"
@@ -33,6 +35,7 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::HomeView* home READ home CONSTANT)
     Q_PROPERTY(corvellan::CalendarView* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
+    Q_PROPERTY(corvellan::MemoryView* memory READ memory CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
     Q_PROPERTY(corvellan::StealthView* stealth READ stealth CONSTANT)
     Q_PROPERTY(corvellan::Theme* theme READ theme CONSTANT)
@@ -51,6 +54,8 @@ public:
         std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
         /// Calls back after the window's next frame; false when there is none to come.
         StealthView::AfterNextFrame afterNextFrame = {};
+        /// The file of the user's note.
+        QString memoryFile = MemoryStore::filePath();
     };
 
     explicit ViewStates(const Parts& parts, QObject* parent = nullptr);
@@ -61,6 +66,7 @@ public:
     [[nodiscard]] HomeView* home() { return &m_home; }
     [[nodiscard]] CalendarView* calendar() { return &m_calendar; }
     [[nodiscard]] SessionHistoryView* history() { return &m_history; }
+    [[nodiscard]] MemoryView* memory() { return &m_memory; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
     [[nodiscard]] StealthView* stealth() { return &m_stealth; }
     [[nodiscard]] Theme* theme() { return &m_theme; }
@@ -75,6 +81,7 @@ private:
     HomeView m_home;
     CalendarView m_calendar;
     SessionHistoryView m_history;
+    MemoryView m_memory;
     SettingsView m_settings;
     StealthView m_stealth;
 };

@@ -69,6 +69,16 @@ TEST_F(MemoryStoreTest, aLinkIsFollowed) {
 
 TEST_F(MemoryStoreTest, aMissingFileGivesNothing) {
     EXPECT_EQ(MemoryStore::loadFrom(path()), std::nullopt);
+    EXPECT_EQ(MemoryStore::read(path()), std::nullopt);
+}
+
+TEST_F(MemoryStoreTest, whoeverEditsTheNoteReadsWhiteSpaceAsItStands) {
+    loadAfterWriting(" \n\t");
+    EXPECT_EQ(MemoryStore::read(path()), u" \n\t"_s);
+    loadAfterWriting("");
+    EXPECT_EQ(MemoryStore::read(path()), QString{});
+    loadAfterWriting("\xFF");
+    EXPECT_EQ(MemoryStore::read(path()), std::nullopt);
 }
 
 TEST_F(MemoryStoreTest, aFolderInItsPlaceGivesNothing) {

@@ -206,6 +206,13 @@ TEST_F(DashboardViewTest, aRequestedTabIsShownAndTheRequestCleared) {
     EXPECT_FALSE(session().requestedTab());
 }
 
+TEST_F(DashboardViewTest, requestingMemorySelectsTheMemoryTab) {
+    view();
+    session().setRequestedTab(u"memory"_s);
+    EXPECT_EQ(view().selectedTab(), SidebarTab::memory);
+    EXPECT_FALSE(session().requestedTab());
+}
+
 TEST_F(DashboardViewTest, aRequestThatNamesNoTabStays) {
     view();
     for (const QString& request : {u"nowhere"_s, u"sETTINGS"_s, u""_s}) {

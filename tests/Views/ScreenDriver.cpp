@@ -4,9 +4,11 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QCoreApplication>
+#include <QFile>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 
 #include "FakeStealth.h"
 
@@ -26,11 +28,15 @@ struct ScreenDriver::World {
     FakeHandoffWindow handoffWindow;
     SettingsFixture desktop{fixture.preferences};
     FakeDesktopHiding hiding;
+    QTemporaryDir home;
     ViewStates views{{.session = fixture.session(),
                       .preferences = fixture.preferences,
                       .captureHiding = hiding,
                       .handoffWindowController = handoffWindow,
-                      .settings = desktop.parts()}};
+                      .settings = desktop.parts(),
+                      .memoryFile = noteFile()}};
+
+    [[nodiscard]] QString noteFile() const { return home.filePath(QStringLiteral("memory.md")); }
 };
 
 ScreenDriver::ScreenDriver() : m_world(std::make_unique<World>()) {}
@@ -212,6 +218,21 @@ QVariant ScreenDriver::stored(const QString& key) const {
     if (const auto number = preferences.number(key))
         return *number;
     return {};
+}
+
+QVariant ScreenDriver::noteFile() const {
+    QFile file{m_world->noteFile()};
+    return file.open(QIODevice::ReadOnly) ? QVariant{QString::fromUtf8(file.readAll())} : QVariant{};
+}
+
+void ScreenDriver::setNoteFile(const QString& text) {
+    QFile file{m_world->noteFile()};
+    if (file.open(QIODevice::WriteOnly))
+        file.write(text.toUtf8());
+}
+
+void ScreenDriver::passTime(int milliseconds) {
+    settleAfter(m_world->fixture.clock, std::chrono::milliseconds{milliseconds});
 }
 
 QString ScreenDriver::serverURL() {

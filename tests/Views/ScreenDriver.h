@@ -81,6 +81,11 @@ public:
     Q_INVOKABLE void requestTab(const QString& tab);
     /// What is stored under `key`, as text; undefined when nothing is.
     Q_INVOKABLE [[nodiscard]] QVariant stored(const QString& key) const;
+    /// What the file of the user's note holds; undefined when there is none.
+    Q_INVOKABLE [[nodiscard]] QVariant noteFile() const;
+    Q_INVOKABLE void setNoteFile(const QString& text);
+    /// Turns the clock's hands on, with all that falls due.
+    Q_INVOKABLE void passTime(int milliseconds);
     Q_INVOKABLE [[nodiscard]] QString serverURL();
     Q_INVOKABLE [[nodiscard]] bool isLoginItem() const;
     /// The lines that the desktop's configuration needs; before the screen is made.

@@ -353,7 +353,7 @@ States settingsStates() {
 std::vector<ScreenshotState> screenshotStates() {
     States all;
     for (const States& some : {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(),
-                               sessionLayoutStates(), idleStates(), settingsStates()})
+                               sessionLayoutStates(), idleStates(), settingsStates(), pageScreenshotStates()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <QSize>
@@ -35,7 +36,16 @@ struct ScreenshotState {
     std::optional<QSize> size = std::nullopt;
     /// How far the form is scrolled, in pages.
     int pages = 0;
+    /// The tab that is open; absent leaves the home screen, or what `isSettings` says.
+    std::optional<QString> tab = std::nullopt;
+    /// What the file of the user's note holds.
+    std::optional<QString> note = std::nullopt;
+    /// How long the screen has been open.
+    std::chrono::milliseconds openFor{};
 };
+
+/// The screens that are read and written rather than worked with.
+[[nodiscard]] std::vector<ScreenshotState> pageScreenshotStates();
 
 /// Every state that a user may get to see.
 [[nodiscard]] std::vector<ScreenshotState> screenshotStates();

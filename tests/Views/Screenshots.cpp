@@ -3,13 +3,17 @@
 #include <cstdio>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QTemporaryDir>
 
 #include "App/Panel/StealthPanel.h"
 #include "FakeHandoffWindow.h"
+#include "Models/MemoryStore.h"
 #include "ScreenshotStates.h"
 #include "Support/SessionFixture.h"
 #include "Support/SettingsFixture.h"
@@ -43,9 +47,18 @@ QImage onDesktop(const QImage& window) {
     return picture;
 }
 
+/// In the home that `main` has made.
+bool writeNote(const QString& text) {
+    QDir{}.mkpath(QFileInfo{MemoryStore::filePath()}.path());
+    QFile file{MemoryStore::filePath()};
+    const QByteArray bytes = text.toUtf8();
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
 bool take(const ScreenshotState& state, const QDir& folder) {
     SessionFixture fixture;
     fixture.preferences.setNumber(u"fontScale"_s, state.fontScale);
+    fixture.preferences.setBoolean(u"onboardingCompleted"_s, true);
     SessionViewModel& session = fixture.session();
     session.setServerURL(u"wss://coach.corvellan.example/ws"_s);
     NoCaptureHiding captureHiding;
@@ -75,8 +88,12 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     state.prepare(session);
     if (state.unfoldsBrief)
         panel.views().overlay()->pressCompanyRow();
+    if (state.note && !writeNote(*state.note))
+        return false;
     if (state.isSettings)
         session.setRequestedTab(u"settings"_s);
+    if (state.tab)
+        session.setRequestedTab(*state.tab);
     if (state.size)
         panel.resize(*state.size);
     const auto press = [&panel](Qt::Key key, int times) {
@@ -91,6 +108,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     spin(100ms);
     press(Qt::Key_PageDown, state.pages);
     press(Qt::Key_Space, state.pressesSpace ? 1 : 0);
+    settleAfter(fixture.clock, state.openFor);
     // Longer than every animation.
     spin(600ms);
     const QImage picture = panel.grabWindow();
@@ -120,6 +138,8 @@ int takeAll(const QStringList& arguments) {
 }  // namespace corvellan::test
 
 int main(int argc, char** argv) {
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
     QGuiApplication application{argc, argv};
     QGuiApplication::setQuitOnLastWindowClosed(false);
     corvellan::EventLoopExecutor main;

@@ -21,6 +21,9 @@ FocusScope {
         case "history":
             detail.setSource("SessionHistoryScreen.qml", { history: views.history, theme: theme });
             break;
+        case "memory":
+            detail.setSource("MemoryScreen.qml", { memory: views.memory, theme: theme });
+            break;
         case "settings":
             detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
             break;

@@ -7,6 +7,7 @@ ColumnLayout {
     id: root
 
     required property Theme theme
+    /// Empty for a group that needs none.
     required property string title
     /// Behind the title; empty for none.
     property string value: ""
@@ -21,6 +22,7 @@ ColumnLayout {
         Layout.leftMargin: 14
         Layout.rightMargin: 14
         Layout.fillWidth: true
+        visible: root.title.length > 0
         spacing: 8
 
         ReadOut {

@@ -1,0 +1,124 @@
+#include "MemoryView.h"
+
+#include <chrono>
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "Base/Text.h"
+#include "Models/MemoryStore.h"
+
+namespace corvellan {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto pauseBeforeSave = 500ms;
+constexpr auto badgeTime = 2s;
+/// From here on the counter warns.
+constexpr qsizetype roomyLength = 1800;
+
+}  // namespace
+
+MemoryView::MemoryView(Clock& clock, QString file, QObject* parent)
+    : QObject(parent),
+      m_clock(clock),
+      m_file(std::move(file)) {}
+
+MemoryView::~MemoryView() {
+    m_saveTask.cancel();
+    m_badges.request_stop();
+}
+
+void MemoryView::setMemory(const QString& memory) {
+    if (m_memory == memory)
+        return;
+    change(memory);
+    if (text::count(memory) > MemoryStore::noteLimit)
+        change(text::prefix(memory, MemoryStore::noteLimit));
+}
+
+QString MemoryView::counterText() const {
+    return u"%1/%2"_s.arg(text::count(m_memory)).arg(MemoryStore::noteLimit);
+}
+
+QString MemoryView::counterColor() const {
+    return text::count(m_memory) > roomyLength ? u"orange"_s : u"gray"_s;
+}
+
+QString MemoryView::fileText() {
+    return u"~/.config/corvellan/memory.md"_s;
+}
+
+void MemoryView::appear() {
+    // An edit that the last screen was left with too soon would be taken back by what the file holds.
+    if (m_isSavePending)
+        save();
+    m_saveTask.clear();
+    m_isSavePending = false;
+    m_badges.request_stop();
+    m_badges = {};
+    setSaved(false);
+    m_memory.clear();
+    load();
+    Q_EMIT memoryChanged();
+}
+
+void MemoryView::pressSave() {
+    save();
+    showSavedBadge();
+}
+
+void MemoryView::load() {
+    // Nothing is cut here: a file that was made elsewhere shows whole until somebody edits it.
+    if (const QString memory = MemoryStore::read(m_file).value_or(QString{}); memory != m_memory)
+        change(memory);
+}
+
+void MemoryView::debounceSave() {
+    setSaved(false);
+    m_isSavePending = true;
+    m_saveTask = CancellableTask::start([this, &clock = m_clock](std::stop_token stop) -> QCoro::Task<void> {
+        if (co_await sleep(clock, pauseBeforeSave, stop) == SleepEnd::interrupted)
+            co_return;
+        m_isSavePending = false;
+        save();
+        showSavedBadge();
+    });
+}
+
+void MemoryView::showSavedBadge() {
+    setSaved(true);
+    // A badge that comes on before this one's time is over goes off with it.
+    static_cast<void>(CancellableTask::start(
+        [this, &clock = m_clock, stop = m_badges.get_token()](std::stop_token) -> QCoro::Task<void> {
+            if (co_await sleep(clock, badgeTime, stop) == SleepEnd::elapsed)
+                setSaved(false);
+        }));
+}
+
+void MemoryView::save() const {
+    QDir{}.mkpath(QFileInfo{m_file}.path());
+    QSaveFile file{m_file};
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.write(m_memory.toUtf8());
+    file.commit();
+}
+
+void MemoryView::change(const QString& memory) {
+    m_memory = memory;
+    Q_EMIT memoryChanged();
+    debounceSave();
+}
+
+void MemoryView::setSaved(bool saved) {
+    if (m_saved == saved)
+        return;
+    m_saved = saved;
+    Q_EMIT savedChanged();
+}
+
+}  // namespace corvellan
