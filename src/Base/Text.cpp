@@ -1,47 +1,15 @@
 #include "Text.h"
 
-#include <unicode/brkiter.h>
-#include <unicode/utext.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <memory>
+
+#include "Characters.h"
 
 namespace corvellan::text {
 
 namespace {
-
-/// Walks the ends of grapheme clusters. One iterator a thread: making one costs more than its use.
-class Characters {
-public:
-    explicit Characters(QStringView text) {
-        UErrorCode status = U_ZERO_ERROR;
-        m_text = utext_openUChars(nullptr, reinterpret_cast<const UChar*>(text.utf16()), text.size(), &status);
-        iterator().setText(m_text, status);
-    }
-    ~Characters() { utext_close(m_text); }
-    Characters(const Characters&) = delete;
-    Characters& operator=(const Characters&) = delete;
-
-    /// The end of the next character in UTF-16 units; negative after the last.
-    qsizetype nextEnd() { return iterator().next(); }
-
-private:
-    static icu::BreakIterator& iterator() {
-        thread_local const std::unique_ptr<icu::BreakIterator> shared = [] {
-            UErrorCode status = U_ZERO_ERROR;
-            std::unique_ptr<icu::BreakIterator> made{
-                icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status)};
-            Q_ASSERT(U_SUCCESS(status));
-            return made;
-        }();
-        return *shared;
-    }
-
-    UText* m_text = nullptr;
-};
 
 bool isSpace(QChar character) {
     // U+0085 and the like are separators of lines for people, though not white space for Qt.

@@ -53,6 +53,8 @@ void SessionViewModel::startSession(StartRequest request) {
     m_currentCalendarEventId = request.calendarEventId;
     setCounterpartStreamingText({});
     setTrainStage(TrainStage::listening);
+    if (m_isTrainMode)
+        m_tts->prepare();
 
     m_sessionTask = CancellableTask::start(
         [this, request = std::move(request)](std::stop_token stop) { return runSession(request, std::move(stop)); });

@@ -211,6 +211,7 @@ class FakeTts final : public TtsServiceProtocol {
 public:
     explicit FakeTts(CallLog& log) : m_log(log) {}
 
+    void prepare() override { ++preparations; }
     void feedToken(const QString& token) override { fed.append(token); }
     void flush() override { m_log.emplace_back("tts.flush"); }
     void stop() override { m_log.emplace_back("tts.stop"); }
@@ -221,6 +222,7 @@ public:
             m_onPlayingChanged(isPlaying);
     }
 
+    int preparations = 0;
     QStringList fed;
 
 private:

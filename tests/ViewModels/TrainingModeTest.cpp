@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Support/SessionFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -151,6 +153,126 @@ TEST(TrainingModeTest, inALiveCallATipLeavesTheStageAlone) {
     fixture.session().handleServerMessage({tip()});
     EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
     EXPECT_EQ(fixture.session().statusText(), u"Coaching"_s);
+}
+
+TEST(TrainingModeTest, speechIsPreparedBeforeATrainingAndNotBeforeACall) {
+    SessionFixture fixture;
+    fixture.goLive();
+    EXPECT_EQ(fixture.factory.tts.preparations, 0);
+    SessionFixture training;
+    training.goLive({.simMode = true});
+    EXPECT_EQ(training.factory.tts.preparations, 1);
+}
+
+TEST(TrainingModeTest, noneOfWhatTheMicrophoneHearsWhileTheVoiceSpeaksIsTranscribed) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.audio->deliver("before");
+    settle();
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.audio->deliver("the voice itself");
+    settle();
+    fixture.factory.tts.play(false);
+    settle();
+    fixture.audio->deliver("after");
+    settle();
+    EXPECT_EQ(fixture.stt->received, (std::vector<QByteArray>{"before", "after"}));
+}
+
+TEST(TrainingModeTest, aBlankUtteranceLeavesTheStageAlone) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    const QString status = fixture.session().statusText();
+    fixture.stt->deliverFinal(u" \t"_s);
+    settle();
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_EQ(fixture.session().statusText(), status);
+}
+
+TEST(TrainingModeTest, aReplysPieceMovesTheStageAndIsFedToTheVoice) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().handleServerMessage({ServerMsg::CounterpartToken{u"Well, "_s}});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::counterpartSpeaking);
+    EXPECT_EQ(fixture.factory.tts.fed, QStringList{u"Well, "_s});
+    fixture.log.clear();
+    fixture.session().handleServerMessage({ServerMsg::CounterpartDone{1}});
+    EXPECT_EQ(fixture.log, (CallLog{"tts.flush"}));
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::counterpartSpeaking) << "until the voice has ended";
+}
+
+TEST(TrainingModeTest, speechSwitchedOffCutsOffWhatIsSpoken) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.log.clear();
+    fixture.session().toggleTtsMute();
+    EXPECT_EQ(fixture.log, (CallLog{"tts.stop"}));
+    EXPECT_FALSE(fixture.session().isTtsPlaying());
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    settle();
+    EXPECT_FALSE(fixture.audio->muted);
+}
+
+TEST(TrainingModeTest, speechSwitchedOnAgainDuringAReplySpeaksOnlyWhatIsStillToCome) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().toggleTtsMute();
+    fixture.session().handleServerMessage({ServerMsg::CounterpartToken{u"Skipped. "_s}});
+    fixture.log.clear();
+    fixture.session().toggleTtsMute();
+    EXPECT_TRUE(fixture.log.empty());
+    EXPECT_TRUE(fixture.factory.tts.fed.isEmpty());
+    fixture.session().handleServerMessage({ServerMsg::CounterpartToken{u"Spoken."_s}});
+    EXPECT_EQ(fixture.factory.tts.fed, QStringList{u"Spoken."_s});
+    fixture.session().handleServerMessage({ServerMsg::CounterpartDone{2}});
+    EXPECT_EQ(fixture.session().transcriptLines().lines().back().text, u"Skipped. Spoken."_s);
+}
+
+TEST(TrainingModeTest, speechStaysSwitchedOffInTheNextSession) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.session().toggleTtsMute();
+    fixture.session().stopSession();
+    settle();
+    EXPECT_TRUE(fixture.session().isTtsMuted());
+}
+
+TEST(TrainingModeTest, aMutedReplysEndInALiveCallLeavesTheStageAlone) {
+    SessionFixture fixture;
+    fixture.goLive();
+    fixture.session().toggleTtsMute();
+    fixture.session().handleServerMessage({ServerMsg::CounterpartToken{u"Hello"_s}});
+    fixture.session().handleServerMessage({ServerMsg::CounterpartDone{1}});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::counterpartSpeaking);
+    EXPECT_NE(fixture.session().statusText(), u"Listening..."_s);
+}
+
+TEST(TrainingModeTest, aTipDuringSpeechAndItsTimerMoveTheStageWhileTheVoiceStillSpeaks) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.session().handleServerMessage({tip()});
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::coaching);
+    settleAfter(fixture.clock, 2s);
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
+    EXPECT_TRUE(fixture.session().isTtsPlaying());
+    EXPECT_TRUE(fixture.audio->muted);
+}
+
+TEST(TrainingModeTest, aStoppedSessionStopsSpeech) {
+    SessionFixture fixture;
+    fixture.goLive({.simMode = true});
+    fixture.factory.tts.play(true);
+    settle();
+    fixture.log.clear();
+    fixture.session().stopSession();
+    EXPECT_NE(std::ranges::find(fixture.log, "tts.stop"), fixture.log.end());
+    EXPECT_FALSE(fixture.session().isTtsPlaying());
+    EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
 }
 
 }  // namespace

@@ -10,6 +10,8 @@ class TtsServiceProtocol {
 public:
     virtual ~TtsServiceProtocol() = default;
 
+    /// Speech will be wanted soon: whatever takes time before the first sound is done now.
+    virtual void prepare() {}
     /// Takes the next piece of the reply and speaks what is complete.
     virtual void feedToken(const QString& token) = 0;
     /// Speaks what is left of the reply.

@@ -1,0 +1,1 @@
+corvellan_fuzz(SentenceCutter LINK Corvellan::SpeechService)
