@@ -2,12 +2,12 @@
 
 #include <QCoreApplication>
 
-#include "AbsentServices.h"
 #include "Base/Deployment.h"
 #include "Services/Audio/AudioService.h"
 #include "Services/Audio/SystemAudioService.h"
 #include "Services/Auth/AuthService.h"
 #include "Services/ScreenShare/ScreenShareService.h"
+#include "Services/Speech/TtsService.h"
 #include "Services/SttService.h"
 #include "Services/WebSocketService.h"
 
@@ -45,7 +45,7 @@ std::unique_ptr<ScreenShareServiceProtocol> AppServices::makeScreenShare() {
 }
 
 std::unique_ptr<TtsServiceProtocol> AppServices::makeTts() {
-    return std::make_unique<AbsentTtsService>();
+    return std::make_unique<TtsService>(m_parts.main, m_parts.speechSynthesizer);
 }
 
 std::unique_ptr<SystemAudioServiceProtocol> AppServices::makeSystemAudio() {

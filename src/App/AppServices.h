@@ -11,6 +11,7 @@ class AudioInputs;
 class HttpClientProtocol;
 class LoopbackListeners;
 class ScreenCaptures;
+class SpeechSynthesizer;
 class WebBrowser;
 
 /// Makes the program's services: counters and latencies of a call go to the side's own part of the
@@ -26,6 +27,7 @@ public:
         Clock& clock;
         AudioInputs& audioInputs;
         ScreenCaptures& screenCaptures;
+        SpeechSynthesizer& speechSynthesizer;
         HttpClientProtocol& http;
         WebBrowser& browser;
         LoopbackListeners& listeners;

@@ -30,6 +30,7 @@
 #include "Platform/Linux/PulseAudioInputs.h"
 #include "Platform/Linux/Screenshots/MakeScreenCaptures.h"
 #include "Platform/Linux/Screenshots/MakeScreenPictures.h"
+#include "Platform/Linux/Speech/EspeakSynthesizer.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
 #include "Services/Auth/TokenFile.h"
@@ -37,6 +38,7 @@
 #include "Services/HttpClient.h"
 #include "Services/SessionStore/SqliteSessionStore.h"
 #include "Shell/DownloadPageUpdater.h"
+#include "Shell/SpeechNotice.h"
 #include "SingleInstance.h"
 #include "Views/MarkdownWebView.h"
 
@@ -78,6 +80,11 @@ struct RealParts {
     SettingsPreferences preferences{SettingsPreferences::defaultPath()};
     OwnSpeech ownSpeech;
     PulseAudioInputs audioInputs{clock, ownSpeech};
+    DesktopNotifications notifications{bus};
+    SpeechNotice speechNotice{notifications};
+    EspeakSynthesizer speechSynthesizer{clock, ownSpeech, [this](SpeechFailure failure) {
+                                            main.post([this, failure] { speechNotice.tell(failure); });
+                                        }};
     HttpClient http{network.executor(), clock};
     BriefingService briefings{http, deployment::chatUrl(), debugLog};
     XdgWebBrowser browser{clock};
@@ -92,6 +99,7 @@ struct RealParts {
         .clock = clock,
         .audioInputs = audioInputs,
         .screenCaptures = *screenCaptures,
+        .speechSynthesizer = speechSynthesizer,
         .http = http,
         .browser = browser,
         .listeners = listeners,
@@ -103,7 +111,6 @@ struct RealParts {
     DesktopPermissionSource permissions{worker.executor(), audioInputs, bus};
     XdgLoginItems loginItems;
     std::unique_ptr<GlobalKeys> globalKeys = makeGlobalKeys(clock);
-    DesktopNotifications notifications{bus};
     DesktopActivation activation;
     std::unique_ptr<CaptureHiding> captureHiding = makeCaptureHiding(clock, session, bus);
     std::unique_ptr<ScreenPictures> screenPictures = makeScreenPictures(worker.executor(), clock, session, bus);

@@ -372,8 +372,9 @@ QString SettingsView::voiceText() {
 }
 
 QString SettingsView::voiceCaption() {
-    return isMac() ? u"System Settings → Accessibility → Spoken Content → Manage Voices"_s
-                   : u"Voices are those of Speech Dispatcher; more come as packages of your system."_s;
+    return isMac()
+               ? u"System Settings → Accessibility → Spoken Content → Manage Voices"_s
+               : u"espeak-ng speaks; MBROLA voices come first where they are installed. Without it, replies are only shown."_s;
 }
 
 // MARK: - Permissions

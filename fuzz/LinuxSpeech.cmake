@@ -1,0 +1,2 @@
+corvellan_fuzz(EspeakVoices LINK Corvellan::LinuxSpeech)
+corvellan_fuzz(SpokenSound LINK Corvellan::LinuxSpeech)
