@@ -4,6 +4,7 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
+#include "AccessibilityAudit.h"
 #include "HandoffDriver.h"
 #include "HistoryDriver.h"
 #include "HomeDriver.h"
@@ -22,6 +23,7 @@ public Q_SLOTS:
         m_driver = std::make_unique<ScreenDriver>();
         m_homeDriver = std::make_unique<HomeDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("driver"), m_driver.get());
+        engine->rootContext()->setContextProperty(QStringLiteral("audit"), &m_audit);
         m_handoffDriver = std::make_unique<HandoffDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("handoffDriver"), m_handoffDriver.get());
         m_historyDriver = std::make_unique<HistoryDriver>();
@@ -36,6 +38,7 @@ public Q_SLOTS:
     }
 
 private:
+    AccessibilityAudit m_audit;
     std::unique_ptr<ScreenDriver> m_driver;
     std::unique_ptr<HandoffDriver> m_handoffDriver;
     std::unique_ptr<HistoryDriver> m_historyDriver;

@@ -20,6 +20,7 @@ Item {
     required property string companyName
     required property string companyCountry
     required property string companyRevenue
+    readonly property int chevronWidth: 14
 
     implicitWidth: column.implicitWidth
     implicitHeight: column.implicitHeight
@@ -42,7 +43,6 @@ Item {
                 objectName: "meetingHead" + root.index
                 theme: root.theme
                 hasDivider: root.index > 0
-                rightPadding: root.isExpanded ? 14 : 56
                 text: root.summary
                 Accessible.description: qsTr("%1, %2").arg(root.isExpanded ? qsTr("Unfolded") : qsTr("Folded"))
                                                       .arg(root.timeRange)
@@ -77,7 +77,13 @@ Item {
                             Accessible.ignored: true
                         }
                     }
+                    // The place of the button that lies above: within it, it could not be reached by itself.
+                    Item {
+                        visible: !root.isExpanded
+                        implicitWidth: quickCall.width
+                    }
                     IconLabel {
+                        Layout.preferredWidth: root.chevronWidth
                         objectName: "chevron"
                         theme: root.theme
                         symbol: root.chevron
@@ -87,8 +93,10 @@ Item {
                 }
             }
             IconButton {
+                id: quickCall
+
                 anchors.right: parent.right
-                anchors.rightMargin: 12
+                anchors.rightMargin: head.rightPadding + root.chevronWidth + 10
                 anchors.verticalCenter: parent.verticalCenter
                 objectName: "quickCall" + root.index
                 visible: !root.isExpanded

@@ -124,6 +124,7 @@ FocusScope {
                         text: qsTr("Refresh")
                         implicitWidth: root.theme.hitTarget
                         implicitHeight: root.theme.hitTarget
+                        focus: root.calendar.showsMeetings
                         onClicked: root.calendar.refresh()
                     }
 
@@ -186,7 +187,8 @@ FocusScope {
             theme: root.theme
             text: qsTr("Refresh")
             symbol: "arrow.clockwise"
-            focus: true
+            // Out of sight it would hold the keyboard, and Tab would lead nowhere.
+            focus: emptyState.visible
             onClicked: root.calendar.refresh()
         }
     }

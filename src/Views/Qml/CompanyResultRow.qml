@@ -59,11 +59,12 @@ Item {
                     spacing: 3
 
                     RowLayout {
+                        Layout.fillWidth: true
                         spacing: 8
 
                         ReadOut {
                             Layout.fillWidth: true
-                            Layout.maximumWidth: implicitWidth
+                            Layout.maximumWidth: Math.ceil(implicitWidth)
                             objectName: "resultName"
                             theme: root.theme
                             text: root.name
@@ -81,6 +82,7 @@ Item {
                         }
                         Item {
                             Layout.fillWidth: true
+                            Layout.preferredWidth: 0
                         }
                     }
                     FlowLayout {

@@ -17,6 +17,8 @@ ListView {
     reuseItems: true
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: isOverflowing
+    // The keyboard is on the list, not on a row.
+    currentIndex: -1
     spacing: 8
     Accessible.role: Accessible.List
 

@@ -157,6 +157,19 @@ Rectangle {
             markdown: root.handoff.handoffNote
             onLinkActivated: address => root.handoff.openLink(address)
             Component.onCompleted: page.forceActiveFocus()
+
+            ReadOut {
+                anchors.centerIn: parent
+                width: Math.min(implicitWidth, parent.width - 32)
+                objectName: "emptyNote"
+                theme: root.theme
+                visible: root.handoff.handoffNote.trim().length === 0
+                text: qsTr("The note is empty.")
+                size: 13
+                color: root.theme.secondary
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+            }
         }
 
         CutNotice {

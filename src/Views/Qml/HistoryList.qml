@@ -41,6 +41,9 @@ ListView {
             scrollBy(Math.min(top, bottom - height));
     }
 
+    /// The keyboard is on a row, and not on something in the header.
+    readonly property bool hasRowFocus: activeFocus && !isInHeader(Window.activeFocusItem)
+
     function isInHeader(item: Item): bool {
         for (let above = item; above; above = above.parent)
             if (above === headerItem)

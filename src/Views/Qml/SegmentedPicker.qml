@@ -49,12 +49,11 @@ FocusScope {
 
             model: root.choices
 
-            PressButton {
+            PressRadio {
                 id: segment
 
                 required property int index
                 required property string modelData
-                readonly property bool isSelected: index === root.selected
 
                 Layout.fillWidth: true
                 Layout.fillHeight: true
@@ -63,17 +62,14 @@ FocusScope {
                 Layout.minimumWidth: implicitWidth
                 objectName: "segment" + index
                 text: modelData
+                isSelected: index === root.selected
                 implicitWidth: implicitContentWidth + 24
                 implicitHeight: Math.max(implicitContentHeight + 10, root.theme.hitTarget)
                 // One stop for the Tab key: the choice that holds.
                 focusPolicy: isSelected ? Qt.StrongFocus : Qt.ClickFocus
                 focus: isSelected
                 onClicked: root.chosen(index)
-
-                Accessible.role: Accessible.RadioButton
                 Accessible.name: qsTr("%1: %2").arg(root.label).arg(text)
-                Accessible.checkable: true
-                Accessible.checked: isSelected
 
                 contentItem: ReadOut {
                     theme: root.theme

@@ -100,7 +100,8 @@ FocusScope {
             model: root.history.rows
             spacing: 4
             currentIndex: -1
-            activeFocusOnTab: count > 0
+            // Then a row has the keyboard, and is a stop itself.
+            activeFocusOnTab: count > 0 && currentIndex < 0 || Window.activeFocusItem === list
             keyNavigationEnabled: true
             cacheBuffer: 200
             Accessible.role: Accessible.List
@@ -170,7 +171,8 @@ FocusScope {
                 x: list.margin
                 width: list.column
                 theme: root.theme
-                isCurrent: list.activeFocus && ListView.isCurrentItem
+                isCurrent: list.hasRowFocus && ListView.isCurrentItem
+                activeFocusOnTab: ListView.isCurrentItem || activeFocus
                 onClicked: {
                     list.currentIndex = index;
                     root.history.open(index);
@@ -189,7 +191,7 @@ FocusScope {
     }
 
     function openCurrent(event: var) {
-        if (!event.isAutoRepeat && list.activeFocus)
+        if (!event.isAutoRepeat && list.hasRowFocus)
             root.history.open(list.currentIndex);
     }
 }
