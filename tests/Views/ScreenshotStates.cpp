@@ -6,7 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using States = std::vector<ScreenshotState>;
+using States = ScreenshotStateList;
 
 void typicalCall(SessionViewModel& session) {
     session.setStatusText(u"Coaching"_s);
@@ -289,8 +289,10 @@ States idleStates() {
 }
 
 States settingsStates() {
-    const ScreenshotState plain{
-        .name = u"settings"_s, .prepare = [](SessionViewModel&) {}, .isCall = false, .isSettings = true};
+    const ScreenshotState plain{.name = u"settings"_s,
+                                .prepare = [](SessionViewModel&) {},
+                                .isCall = false,
+                                .arrange = [](const ScreenshotScene& scene) { scene.openTab(u"settings"_s); }};
     ScreenshotState rich = plain;
     rich.prepare = [](SessionViewModel& session) {
         session.setIsConnected(true);
@@ -350,10 +352,11 @@ States settingsStates() {
 
 }  // namespace
 
-std::vector<ScreenshotState> screenshotStates() {
+States screenshotStates() {
     States all;
-    for (const States& some : {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(),
-                               sessionLayoutStates(), idleStates(), settingsStates(), pageScreenshotStates()})
+    for (const States& some :
+         {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(), sessionLayoutStates(),
+          idleStates(), preparationStates(), historyStates(), settingsStates(), pageScreenshotStates()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

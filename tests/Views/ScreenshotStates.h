@@ -7,8 +7,7 @@
 #include <QString>
 #include <vector>
 
-#include "Support/SettingsFixture.h"
-#include "ViewModels/SessionViewModel.h"
+#include "ScreenshotScene.h"
 
 namespace corvellan::test {
 
@@ -28,26 +27,35 @@ struct ScreenshotState {
     int tabs = 0;
     /// Then Space.
     bool pressesSpace = false;
-    /// Instead of a call, the settings: how things stand there.
-    bool isSettings = false;
+    /// How things stand in the settings.
     std::function<void(SettingsFixture&, Preferences&)> prepareSettings = {};
+    /// Between calls: what is done once the window is up, before it takes its size.
+    std::function<void(const ScreenshotScene&)> arrange = {};
     bool isLight = false;
     /// Absent leaves the size of the face.
     std::optional<QSize> size = std::nullopt;
     /// How far the form is scrolled, in pages.
     int pages = 0;
-    /// The tab that is open; absent leaves the home screen, or what `isSettings` says.
+    /// The tab that is open; absent leaves the home screen.
     std::optional<QString> tab = std::nullopt;
     /// What the file of the user's note holds.
     std::optional<QString> note = std::nullopt;
     /// How long the screen has been open.
     std::chrono::milliseconds openFor{};
+    /// Instead of the main window, the one with this handoff note.
+    std::optional<HandoffResponse> handoff = std::nullopt;
 };
 
+using ScreenshotStateList = std::vector<ScreenshotState>;
+
+/// The screens that prepare a call: home, calendar, and the window with a handoff note.
+[[nodiscard]] ScreenshotStateList preparationStates();
+/// The history and the summary of a session.
+[[nodiscard]] ScreenshotStateList historyStates();
 /// The screens that are read and written rather than worked with.
-[[nodiscard]] std::vector<ScreenshotState> pageScreenshotStates();
+[[nodiscard]] ScreenshotStateList pageScreenshotStates();
 
 /// Every state that a user may get to see.
-[[nodiscard]] std::vector<ScreenshotState> screenshotStates();
+[[nodiscard]] ScreenshotStateList screenshotStates();
 
 }  // namespace corvellan::test

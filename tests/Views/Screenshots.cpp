@@ -1,6 +1,7 @@
 // Renders every state of the window's two faces into PNG files: corvellan-screenshots FOLDER [PART OF A NAME]
 
 #include <cstdio>
+#include <QCursor>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -11,14 +12,11 @@
 #include <QPainter>
 #include <QTemporaryDir>
 
-#include "App/Panel/StealthPanel.h"
+#include "App/Handoff/FloatingHandoffWindow.h"
 #include "FakeHandoffWindow.h"
 #include "Models/MemoryStore.h"
 #include "ScreenshotStates.h"
-#include "Support/SessionFixture.h"
-#include "Support/SettingsFixture.h"
 #include "Views/QuickSetup.h"
-#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -55,10 +53,35 @@ bool writeNote(const QString& text) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+bool save(const QImage& picture, const ScreenshotState& state, const QDir& folder) {
+    const QString path = folder.filePath(state.name + u".png"_s);
+    std::printf("%s %dx%d\n", qPrintable(path), picture.width(), picture.height());
+    return !picture.isNull() && onDesktop(picture).save(path);
+}
+
+bool takeHandoff(const ScreenshotState& state, const QDir& folder) {
+    FakeDesktop desktop;
+    FloatingHandoffWindow handoffWindow{desktop.browser, {.url = u"https://crm.example"_s, .portal = u"42"_s}};
+    handoffWindow.show(*state.handoff);
+    QQuickView* const window = handoffWindow.window();
+    if (!window || !spinUntil([&] { return window->isExposed(); }))
+        return false;
+    if (state.size)
+        window->resize(*state.size);
+    // Longer than a note takes to be laid out.
+    spin(600ms);
+    return save(window->grabWindow(), state, folder);
+}
+
 bool take(const ScreenshotState& state, const QDir& folder) {
+    if (state.handoff)
+        return takeHandoff(state, folder);
+    FakeStore store;
     SessionFixture fixture;
     fixture.preferences.setNumber(u"fontScale"_s, state.fontScale);
     fixture.preferences.setBoolean(u"onboardingCompleted"_s, true);
+    fixture.auth->accessToken = u"token"_s;
+    fixture.http.answer(200, "[]");
     SessionViewModel& session = fixture.session();
     session.setServerURL(u"wss://coach.corvellan.example/ws"_s);
     NoCaptureHiding captureHiding;
@@ -72,6 +95,8 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
     session.onStealthChanged = [&](bool isEnabled) { panel.setStealth(isEnabled); };
     session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };
+    // Away from what would show that it is under the pointer.
+    QCursor::setPos(0, 0);
     panel.makeKeyAndOrderFront();
     if (!spinUntil([&] { return panel.isExposed(); }))
         return false;
@@ -90,10 +115,10 @@ bool take(const ScreenshotState& state, const QDir& folder) {
         panel.views().overlay()->pressCompanyRow();
     if (state.note && !writeNote(*state.note))
         return false;
-    if (state.isSettings)
-        session.setRequestedTab(u"settings"_s);
     if (state.tab)
         session.setRequestedTab(*state.tab);
+    if (state.arrange)
+        state.arrange({.fixture = fixture, .store = store, .settings = settings, .panel = panel});
     if (state.size)
         panel.resize(*state.size);
     const auto press = [&panel](Qt::Key key, int times) {
@@ -115,9 +140,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     session.onSessionActiveChanged = {};
     session.onStealthChanged = {};
     session.onSessionModeChanged = {};
-    const QString path = folder.filePath(state.name + u".png"_s);
-    std::printf("%s %dx%d\n", qPrintable(path), picture.width(), picture.height());
-    return !picture.isNull() && onDesktop(picture).save(path);
+    return save(picture, state, folder);
 }
 
 int takeAll(const QStringList& arguments) {
@@ -140,6 +163,9 @@ int takeAll(const QStringList& arguments) {
 int main(int argc, char** argv) {
     const QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
+    // Dates are written as the desktop has them: here always alike.
+    qputenv("LC_ALL", "en_GB.UTF-8");
+    qputenv("TZ", "Europe/Berlin");
     QGuiApplication application{argc, argv};
     QGuiApplication::setQuitOnLastWindowClosed(false);
     corvellan::EventLoopExecutor main;
