@@ -255,6 +255,16 @@ ScreenCase {
         verify(list.itemAtIndex(0) === null);
     }
 
+    function test_tenThousandLinesHaveAsManyRowsAsFit() {
+        const window = make();
+        const list = control(window, "transcript");
+        for (let i = 0; i < 10000; ++i)
+            driver.say(i % 2, "Line " + i);
+        tryCompare(list, "count", 10000);
+        tryVerify(() => list.itemAtIndex(9999) !== null && list.atYEnd);
+        verify(list.contentItem.children.length < 100, list.contentItem.children.length);
+    }
+
     function test_keysScrollTheTranscript() {
         const window = make();
         const list = control(window, "transcript");
