@@ -18,8 +18,8 @@ namespace {
 constexpr std::array signedOutTabs{SidebarTab::home, SidebarTab::settings};
 
 /// Those that lead to a screen.
-constexpr std::array builtTabs{SidebarTab::home, SidebarTab::calendar, SidebarTab::history, SidebarTab::memory,
-                               SidebarTab::settings};
+constexpr std::array builtTabs{SidebarTab::home,    SidebarTab::calendar, SidebarTab::train,
+                               SidebarTab::history, SidebarTab::memory,   SidebarTab::settings};
 
 bool isBuilt(SidebarTab tab) {
     return std::ranges::find(builtTabs, tab) != builtTabs.end();

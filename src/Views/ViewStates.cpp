@@ -22,6 +22,7 @@ ViewStates::ViewStates(const Parts& parts, QObject* parent)
               .clock = parts.session.environment().clock,
               .browser = parts.settings.browser}),
       m_calendar(parts.session, m_home),
+      m_training(parts.session, parts.session.environment().http),
       m_history({.session = parts.session,
                  .debugLog = parts.session.environment().debugLog,
                  .detail = {.clock = parts.session.environment().clock,

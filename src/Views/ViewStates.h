@@ -17,6 +17,7 @@
 #include "Shell/Stealth/CaptureSelfTest.h"
 #include "StealthView.h"
 #include "Theme.h"
+#include "Training/ScenarioPickerView.h"
 
 namespace corvellan {
 
@@ -34,6 +35,7 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::CoachingOverlayView* overlay READ overlay CONSTANT)
     Q_PROPERTY(corvellan::HomeView* home READ home CONSTANT)
     Q_PROPERTY(corvellan::CalendarView* calendar READ calendar CONSTANT)
+    Q_PROPERTY(corvellan::ScenarioPickerView* training READ training CONSTANT)
     Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
     Q_PROPERTY(corvellan::MemoryView* memory READ memory CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
@@ -65,6 +67,7 @@ public:
     [[nodiscard]] CoachingOverlayView* overlay() { return &m_overlay; }
     [[nodiscard]] HomeView* home() { return &m_home; }
     [[nodiscard]] CalendarView* calendar() { return &m_calendar; }
+    [[nodiscard]] ScenarioPickerView* training() { return &m_training; }
     [[nodiscard]] SessionHistoryView* history() { return &m_history; }
     [[nodiscard]] MemoryView* memory() { return &m_memory; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
@@ -80,6 +83,7 @@ private:
     CoachingOverlayView m_overlay;
     HomeView m_home;
     CalendarView m_calendar;
+    ScenarioPickerView m_training;
     SessionHistoryView m_history;
     MemoryView m_memory;
     SettingsView m_settings;

@@ -9,6 +9,7 @@
 #include "HistoryDriver.h"
 #include "HomeDriver.h"
 #include "ScreenDriver.h"
+#include "TrainingDriver.h"
 #include "Views/QuickSetup.h"
 
 namespace corvellan::test {
@@ -29,8 +30,11 @@ public Q_SLOTS:
         m_historyDriver = std::make_unique<HistoryDriver>();
         engine->rootContext()->setContextProperty(QStringLiteral("historyDriver"), m_historyDriver.get());
         engine->rootContext()->setContextProperty(QStringLiteral("homeDriver"), m_homeDriver.get());
+        m_trainingDriver = std::make_unique<TrainingDriver>();
+        engine->rootContext()->setContextProperty(QStringLiteral("trainingDriver"), m_trainingDriver.get());
     }
     void cleanupTestCase() {
+        m_trainingDriver.reset();
         m_homeDriver.reset();
         m_historyDriver.reset();
         m_handoffDriver.reset();
@@ -43,6 +47,7 @@ private:
     std::unique_ptr<HandoffDriver> m_handoffDriver;
     std::unique_ptr<HistoryDriver> m_historyDriver;
     std::unique_ptr<HomeDriver> m_homeDriver;
+    std::unique_ptr<TrainingDriver> m_trainingDriver;
 };
 
 }  // namespace corvellan::test

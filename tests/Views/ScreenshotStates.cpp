@@ -354,9 +354,9 @@ States settingsStates() {
 
 States screenshotStates() {
     States all;
-    for (const States& some :
-         {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(), sessionLayoutStates(),
-          idleStates(), preparationStates(), historyStates(), settingsStates(), pageScreenshotStates()})
+    for (const States& some : {tipStates(), callStates(), companyStates(), buyerStates(), layoutStates(),
+                               sessionLayoutStates(), idleStates(), preparationStates(), historyStates(),
+                               settingsStates(), pageScreenshotStates(), trainingStates()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

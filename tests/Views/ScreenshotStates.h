@@ -52,6 +52,8 @@ using ScreenshotStateList = std::vector<ScreenshotState>;
 [[nodiscard]] ScreenshotStateList preparationStates();
 /// The history and the summary of a session.
 [[nodiscard]] ScreenshotStateList historyStates();
+/// The choice of a buyer to practise with.
+[[nodiscard]] ScreenshotStateList trainingStates();
 /// The screens that are read and written rather than worked with.
 [[nodiscard]] ScreenshotStateList pageScreenshotStates();
 

@@ -18,6 +18,9 @@ FocusScope {
         case "calendar":
             detail.setSource("CalendarScreen.qml", { calendar: views.calendar, theme: theme });
             break;
+        case "train":
+            detail.setSource("ScenarioPickerScreen.qml", { picker: views.training, theme: theme });
+            break;
         case "history":
             detail.setSource("SessionHistoryScreen.qml", { history: views.history, theme: theme });
             break;

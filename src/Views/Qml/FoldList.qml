@@ -59,6 +59,7 @@ ListView {
         color: "transparent"
         border.width: 2
         border.color: root.theme.focusRing
-        visible: root.activeFocus
+        // Not round a row that has the keyboard.
+        visible: root.activeFocus && root.activeFocusOnTab
     }
 }

@@ -9,6 +9,8 @@ PressButton {
 
     required property Theme theme
     property string caption: ""
+    /// Before the text; empty for none.
+    property string symbol: ""
     property bool isOn: false
 
     signal changed(isOn: bool)
@@ -34,6 +36,13 @@ PressButton {
     contentItem: RowLayout {
         spacing: 14
 
+        IconLabel {
+            theme: root.theme
+            visible: root.symbol.length > 0
+            symbol: root.symbol
+            size: 14
+            color: root.theme.secondary
+        }
         ColumnLayout {
             Layout.fillWidth: true
             spacing: 2
