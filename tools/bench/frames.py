@@ -2,6 +2,7 @@
 
 import argparse
 import json
+import math
 import statistics
 import subprocess
 import sys
@@ -14,7 +15,7 @@ FRAME_MILLISECONDS = 1000 / 60
 
 def percentile(samples, share):
     ordered = sorted(samples)
-    return ordered[min(len(ordered) - 1, int(len(ordered) * share))]
+    return ordered[max(0, math.ceil(len(ordered) * share) - 1)]
 
 
 def text_of(samples):
