@@ -33,7 +33,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const WallTime now{std::chrono::days{20'000}};
     expectDecodes({{QStringLiteral("events"), book->upcoming(QStringLiteral("u"), {}, now, 100)}}, decodeEvents);
-    expectDecodes(book->scenarios(), ScenariosResponse::decode);
     for (const auto& customer : book->customers()) {
         expectDecodes({{QStringLiteral("matches"), book->search(customer.name, 50)}}, decodeMatches);
         expectDecodes(customer.brief, SalesBrief::decode);

@@ -1,3 +1,4 @@
+corvellan_fuzz(Buyers LINK Corvellan::Sandbox)
 corvellan_fuzz(CallScript LINK Corvellan::Sandbox)
 corvellan_fuzz(Customers LINK Corvellan::Sandbox)
 corvellan_fuzz(ProviderRequest LINK Corvellan::Sandbox)

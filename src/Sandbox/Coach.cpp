@@ -30,7 +30,8 @@ Coach::Coach(const StartSessionPayload& start) {
         m_stage = CallStage::renewal;
 }
 
-std::optional<CoachingPayload> Coach::hear(AudioSourceTag side, const QString& text) {
+std::optional<CoachingPayload> Coach::hear(AudioSourceTag side, const QString& text,
+                                           const std::optional<GivenAway>& given) {
     const auto seconds = side == AudioSourceTag::mic ? secondsWithoutWords(text) : std::nullopt;
     if (seconds) {
         // There is nothing to judge, but whoever tries the program out sees that it hears him.
@@ -44,7 +45,7 @@ std::optional<CoachingPayload> Coach::hear(AudioSourceTag side, const QString& t
         return std::nullopt;
     ++m_turns;
     m_productHint.reset();
-    const auto tip = side == AudioSourceTag::mic ? hearSalesperson(said) : hearCustomer(said);
+    const auto tip = side == AudioSourceTag::mic ? hearSalesperson(said) : hearCustomer(said, given);
     if (!tip)
         return std::nullopt;
     return CoachingPayload{.message = tableText(tip->text),
@@ -54,11 +55,11 @@ std::optional<CoachingPayload> Coach::hear(AudioSourceTag side, const QString& t
                            .state = state()};
 }
 
-rules::Tip Coach::hearCustomer(const Sentences& said) {
+rules::Tip Coach::hearCustomer(const Sentences& said, const std::optional<GivenAway>& given) {
     for (const auto& sentence : said)
         m_customerWords += sentence.words.size();
     const bool hadObjection = m_hasObjection;
-    const auto won = winCriteria(said);
+    const auto won = winCriteria(said, given);
     const bool hasMoved = moveStage(said, rules::Speaker::customer);
     const auto* objection = noteObjection(said);
     const auto moodTip = readMood(said);
@@ -102,8 +103,12 @@ std::optional<rules::Tip> Coach::hearSalesperson(const Sentences& said) {
     return std::nullopt;
 }
 
-std::optional<std::size_t> Coach::winCriteria(const Sentences& said) {
+std::optional<std::size_t> Coach::winCriteria(const Sentences& said, const std::optional<GivenAway>& given) {
     std::optional<std::size_t> first;
+    if (given && !m_evidence.at(given->criterion)) {
+        m_evidence.at(given->criterion) = text::prefix(given->evidence, longestEvidence);
+        first = given->criterion;
+    }
     for (std::size_t i = 0; i < m_evidence.size(); ++i) {
         if (m_evidence.at(i))
             continue;

@@ -14,6 +14,12 @@ namespace corvellan::sandbox {
 
 struct Sentence;
 
+/// What a customer is known to have given away, whatever the words: a simulated one tells it.
+struct GivenAway {
+    std::size_t criterion = 0;  ///< In the order of `MeddicScore::values`.
+    QString evidence;
+};
+
 /// The judgement of the coaching server over one call: the rules of CoachRules.h applied to one
 /// finished utterance after another. Deterministic, without I/O; one thread.
 class Coach {
@@ -22,7 +28,10 @@ public:
 
     /// Takes a finished utterance and answers with a tip. Every utterance of the customer gets one, one
     /// of the salesperson only when a rule speaks of it, and one without words none.
-    [[nodiscard]] std::optional<CoachingPayload> hear(AudioSourceTag side, const QString& text);
+    ///
+    /// \param given wins its criterion beside those that the words win; of the customer only.
+    [[nodiscard]] std::optional<CoachingPayload> hear(AudioSourceTag side, const QString& text,
+                                                      const std::optional<GivenAway>& given = {});
 
     [[nodiscard]] CallStateSnapshot state() const;
 
@@ -35,9 +44,9 @@ public:
 private:
     using Sentences = std::vector<Sentence>;
 
-    [[nodiscard]] rules::Tip hearCustomer(const Sentences& said);
+    [[nodiscard]] rules::Tip hearCustomer(const Sentences& said, const std::optional<GivenAway>& given);
     [[nodiscard]] std::optional<rules::Tip> hearSalesperson(const Sentences& said);
-    [[nodiscard]] std::optional<std::size_t> winCriteria(const Sentences& said);
+    [[nodiscard]] std::optional<std::size_t> winCriteria(const Sentences& said, const std::optional<GivenAway>& given);
     [[nodiscard]] bool moveStage(const Sentences& said, rules::Speaker speaker);
     [[nodiscard]] const rules::ObjectionRule* noteObjection(const Sentences& said);
     [[nodiscard]] std::optional<rules::Tip> readMood(const Sentences& said);

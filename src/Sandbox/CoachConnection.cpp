@@ -2,6 +2,7 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRandomGenerator>
 #include <QUuid>
 #include <QWebSocket>
 
@@ -21,6 +22,11 @@ constexpr std::chrono::minutes tokenLife{30};
 
 QString newUuid() {
     return QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
+/// Whom to practise with: the one that was asked for, the first without a wish. Null when there is none of that key.
+const BuyerScenario* scenarioOf(const StartSessionPayload& start, const BuyerBook& buyers) {
+    return start.scenario ? buyers.find(*start.scenario) : &buyers.scenarios().front();
 }
 
 template <typename... Cases>
@@ -120,6 +126,11 @@ void CoachConnection::start(const StartSessionPayload& payload) {
         refuse(u"this session is refused, as --fault error-before-start asks"_s);
         return;
     }
+    const auto* const scenario = scenarioOf(payload, m_context.buyers);
+    if (payload.simMode && !scenario) {
+        refuse(u"there is no scenario \"%1\""_s.arg(*payload.scenario));
+        return;
+    }
     m_state = State::running;
     m_startedAt = m_context.clock.now();
     m_coach.emplace(payload);
@@ -145,6 +156,19 @@ void CoachConnection::start(const StartSessionPayload& payload) {
     send(ServerMsg{started});
     if (payload.company)
         send(ServerMsg{ServerMsg::CrmData{.companyName = *payload.company, .summary = companyBrief(*payload.company)}});
+    if (payload.simMode)
+        train(*scenario);
+}
+
+void CoachConnection::train(const BuyerScenario& scenario) {
+    const StartSessionPayload& start = m_call->start;
+    m_training = std::make_unique<Training>(
+        Buyer{m_context.buyers, scenario, start.discType,
+              m_context.settings.buyerSeed.value_or(QRandomGenerator::system()->generate())},
+        start.gameMode, m_context.clock, [this](const ServerMsg& message) { send(message); },
+        [this](const BuyerReply& reply) { hearBuyer(reply); });
+    note(u"%1 as a buyer, %2"_s.arg(scenario.person, tableText(rawValue(m_training->buyerType()))));
+    m_training->begin();
 }
 
 void CoachConnection::hear(const ClientMsg::Transcript& transcript) {
@@ -152,12 +176,28 @@ void CoachConnection::hear(const ClientMsg::Transcript& transcript) {
         note(u"a transcript after the end"_s);
         return;
     }
-    const bool isMic = transcript.source == AudioSourceTag::mic;
-    note(u"%1: %2"_s.arg(tableText(rawValue(transcript.source)), transcript.text));
-    m_call->transcript.append((isMic ? u"[Mic] "_s : u"[Audio] "_s) + transcript.text);
-    const auto payload = m_coach->hear(transcript.source, transcript.text);
+    const bool isTurn = m_training && transcript.source == AudioSourceTag::mic;
+    if (isTurn)
+        m_training->interrupt();
+    judge(transcript.source, transcript.text);
+    if (isTurn)
+        m_training->reply(transcript.text);
+}
+
+void CoachConnection::hearBuyer(const BuyerReply& reply) {
+    if (m_state == State::running)
+        judge(AudioSourceTag::system, reply.text, reply.given);
+}
+
+void CoachConnection::judge(AudioSourceTag side, const QString& text, const std::optional<GivenAway>& given) {
+    const bool isMic = side == AudioSourceTag::mic;
+    note(u"%1: %2"_s.arg(tableText(rawValue(side)), text));
+    m_call->transcript.append((isMic ? u"[Mic] "_s : u"[Audio] "_s) + text);
+    auto payload = m_coach->hear(side, text, given);
     m_call->state = m_coach->state();
     m_call->turns = m_coach->turns();
+    if (m_training)
+        payload = m_training->judged(side, text, std::move(payload), m_call->state);
     if (payload)
         tip(*payload);
 }
@@ -179,6 +219,8 @@ void CoachConnection::end() {
         note(u"end_session once more"_s);
         return;
     }
+    if (m_training)
+        m_training->interrupt();
     m_state = State::ended;
     note(u"end_session"_s);
     m_call->hasSummary = true;
@@ -191,6 +233,10 @@ void CoachConnection::end() {
 
 void CoachConnection::finish() {
     m_call->coachingPoints = m_coach->coachingPoints();
+    if (m_training) {
+        m_training->silence();
+        m_call->coachingPoints += m_training->keyPoints();
+    }
     m_context.tokens.revoke(m_call->sessionId);
     m_context.calls.finish(*m_call, m_context.clock.wallNow(),
                            std::chrono::floor<std::chrono::seconds>(m_context.clock.now() - m_startedAt));

@@ -7,6 +7,7 @@
 #include "Coach.h"
 #include "CoachServer.h"
 #include "Models/Protocol.h"
+#include "Training.h"
 
 class QWebSocket;
 
@@ -33,7 +34,11 @@ private:
 
     void take(const QByteArray& frame);
     void start(const StartSessionPayload& start);
+    void train(const BuyerScenario& scenario);
     void hear(const ClientMsg::Transcript& transcript);
+    /// The simulated buyer has ended a reply.
+    void hearBuyer(const BuyerReply& reply);
+    void judge(AudioSourceTag side, const QString& text, const std::optional<GivenAway>& given = {});
     void end();
     void finish();
     void summarise();
@@ -53,7 +58,8 @@ private:
     const CoachContext& m_context;
     State m_state = State::waiting;
     std::optional<Coach> m_coach;
-    CallRecord* m_call = nullptr;  // In the book.
+    std::unique_ptr<Training> m_training;  ///< With a simulated buyer only.
+    CallRecord* m_call = nullptr;          // In the book.
     MonotonicTime m_startedAt;
     int m_sent = 0;
 };

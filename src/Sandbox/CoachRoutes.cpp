@@ -10,8 +10,8 @@
 #include <QUrlQuery>
 
 #include "Admission.h"
+#include "BuyerBook.h"
 #include "CallBook.h"
-#include "CustomerBook.h"
 #include "EventLog.h"
 #include "ProviderServer.h"
 #include "RestAnswers.h"
@@ -152,7 +152,7 @@ void addCoachRoutes(QHttpServer& http, const CoachRest& rest) {
     addCallRoutes(http, rest);
     http.route(u"/scenarios"_s, Method::Get, [rest](const QHttpServerRequest& request) {
         auto refusal = rest.admission.refusal(request);
-        return refusal ? std::move(*refusal) : jsonAnswer(rest.customers.scenarios());
+        return refusal ? std::move(*refusal) : jsonAnswer(rest.buyers.scenarioList());
     });
     http.route(u"/sandbox/audio"_s, Method::Get, [rest] { return QHttpServerResponse{audioFigures(rest.provider)}; });
     addUpdateRoutes(http, rest.feedVersion);

@@ -7,8 +7,8 @@ class QHttpServer;
 namespace corvellan::sandbox {
 
 class Admission;
+class BuyerBook;
 class CallBook;
-class CustomerBook;
 class EventLog;
 class ProviderServer;
 
@@ -16,7 +16,7 @@ class ProviderServer;
 struct CoachRest {
     CallBook& calls;
     const ProviderServer& provider;
-    const CustomerBook& customers;
+    const BuyerBook& buyers;
     const Admission& admission;
     const EventLog& log;
     QString feedVersion;  ///< What the feed of new versions announces.

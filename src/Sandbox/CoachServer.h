@@ -3,11 +3,13 @@
 #include <chrono>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <QHostAddress>
 #include <QObject>
 
 #include "Admission.h"
 #include "Base/Error.h"
+#include "BuyerBook.h"
 #include "CallBook.h"
 #include "Faults.h"
 #include "Models/Protocol.h"
@@ -29,6 +31,8 @@ struct CoachSettings {
     std::chrono::milliseconds closeAfter{500};
     /// Where clients reach the transcription provider, at the host under which they reach the coach.
     quint16 providerPort = 0;
+    /// What the buyers' answers follow from; another one each session unless given.
+    std::optional<std::uint32_t> buyerSeed = std::nullopt;
 };
 
 /// What the coaching server's connections share.
@@ -36,6 +40,7 @@ struct CoachContext {
     CoachSettings settings;
     TokenBook& tokens;
     CallBook& calls;
+    const BuyerBook& buyers;
     const Admission& admission;
     const EventLog& log;
     Clock& clock;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <QCommandLineParser>
 #include <QFile>
 #include <QHash>
@@ -41,8 +42,9 @@ QString helpText() {
            u"  --state DIR                keep sign-ins, calls and the extension's context there over restarts\n"
            u"  --close-after MS           from the summary to the close (500)\n"
            u"  --update VERSION           the version that the update feed announces (the sandbox's own)\n"
-           u"  --customers FILE           customers, meetings and training scenarios in place of those that come "
-           u"along\n\n"
+           u"  --customers FILE           customers and meetings in place of those that come along\n"
+           u"  --buyers FILE              whom training is held with, in place of those that come along\n"
+           u"  --buyer-seed N             the same answers each time for the same words; by chance without\n\n"
            u"Signing in, on the chat back-end (no password is asked for):\n"
            u"  --user EMAIL               who can sign in, repeatable (anna@fernhill.example, ben@fernhill.example)\n"
            u"  --token-lifetime S         how long access tokens hold, in seconds, or never to end: \"forever\" "
@@ -148,6 +150,23 @@ std::expected<void, QString> chooseAccounts(const QCommandLineParser& parser, Ac
     return {};
 }
 
+std::expected<void, QString> chooseBuyers(const QCommandLineParser& parser, SandboxOptions& options) {
+    if (parser.isSet(u"buyers"_s)) {
+        const QString path = parser.value(u"buyers"_s);
+        auto buyers = BuyerBook::load(path);
+        if (!buyers)
+            return Bad{u"--buyers %1: %2"_s.arg(path, buyers.error())};
+        options.buyers = std::move(*buyers);
+    }
+    if (parser.isSet(u"buyer-seed"_s)) {
+        const auto seed = number(parser, u"buyer-seed"_s, 0, std::numeric_limits<std::uint32_t>::max());
+        if (!seed)
+            return Bad{seed.error()};
+        options.buyerSeed = static_cast<std::uint32_t>(*seed);
+    }
+    return {};
+}
+
 std::expected<void, QString> chooseTexts(const QCommandLineParser& parser, ServeCommand& serve) {
     const QString script = parser.value(u"script"_s);
     const QString command = parser.value(u"transcriber"_s);
@@ -203,6 +222,8 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
         {u"close-after"_s, {}, u"ms"_s, u"500"_s},
         {u"update"_s, {}, u"version"_s},
         {u"customers"_s, {}, u"file"_s},
+        {u"buyers"_s, {}, u"file"_s},
+        {u"buyer-seed"_s, {}, u"number"_s},
         {u"fault"_s, {}, u"name"_s},
         {u"proxy"_s, {}, u"mode"_s},
     });
@@ -241,6 +262,8 @@ std::expected<Command, QString> parseServe(const QStringList& arguments) {
             return Bad{u"--customers %1: %2"_s.arg(path, customers.error())};
         serve.options.customers = std::move(*customers);
     }
+    if (const auto chosen = chooseBuyers(parser, serve.options); !chosen)
+        return Bad{chosen.error()};
     for (const auto& name : parser.values(u"fault"_s))
         if (const auto added = serve.options.faults.add(name); !added)
             return Bad{u"--fault: "_s + added.error()};

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include "Base/Iso8601.h"
+#include "EntryReader.h"
 #include "Models/Types.h"
 
 namespace corvellan::sandbox {
@@ -21,84 +22,6 @@ using Bad = std::unexpected<QString>;
 
 constexpr int mostMinutes = 366 * 24 * 60;
 constexpr int mostDays = 36'500;
-constexpr qsizetype mostEntries = 10'000;
-
-/// Reads one object of the data file; the first thing that is wrong stays. Nothing of it throws or asserts.
-class EntryReader {
-public:
-    EntryReader(const QJsonValue& value, QString place) : m_place(std::move(place)), m_object(value.toObject()) {
-        if (!value.isObject())
-            m_problem = m_place + u": expected an object"_s;
-    }
-
-    [[nodiscard]] QString text(const QString& key) {
-        const QString found = m_object.value(key).toString();
-        if (found.trimmed().isEmpty())
-            fail(key, u"a text"_s);
-        return found;
-    }
-    [[nodiscard]] std::optional<QString> optionalText(const QString& key) {
-        const auto value = m_object.value(key);
-        if (!value.isUndefined() && !value.isNull() && !value.isString())
-            fail(key, u"a text"_s);
-        return value.isString() ? std::optional{value.toString()} : std::nullopt;
-    }
-    [[nodiscard]] QStringList texts(const QString& key) {
-        QStringList found;
-        for (const auto& value : array(key)) {
-            if (!value.isString())
-                fail(key, u"texts"_s);
-            found.append(value.toString());
-        }
-        return found;
-    }
-    [[nodiscard]] std::optional<int> optionalNumber(const QString& key, int lowest, int highest) {
-        if (m_object.value(key).isUndefined())
-            return std::nullopt;
-        const qint64 found = m_object.value(key).toInteger(qint64{lowest} - 1);
-        if (found < lowest || found > highest) {
-            fail(key, u"a whole number from %1 to %2"_s.arg(lowest).arg(highest));
-            return std::nullopt;
-        }
-        return static_cast<int>(found);
-    }
-    [[nodiscard]] int number(const QString& key, int lowest, int highest, std::optional<int> otherwise = {}) {
-        if (m_object.value(key).isUndefined() && !otherwise)
-            fail(key, u"a number"_s);
-        return optionalNumber(key, lowest, highest).value_or(otherwise.value_or(lowest));
-    }
-    [[nodiscard]] QJsonObject object(const QString& key) {
-        if (!m_object.value(key).isUndefined() && !m_object.value(key).isObject())
-            fail(key, u"an object"_s);
-        return m_object.value(key).toObject();
-    }
-    [[nodiscard]] QJsonArray array(const QString& key) {
-        const auto value = m_object.value(key);
-        if ((!value.isUndefined() && !value.isArray()) || value.toArray().size() > mostEntries)
-            fail(key, u"a list"_s);
-        return value.toArray();
-    }
-    [[nodiscard]] bool has(const QString& key) const { return m_object.contains(key); }
-
-    void fail(const QString& key, const QString& expected) {
-        if (!m_problem)
-            m_problem = u"%1: %2: expected %3"_s.arg(m_place, key, expected);
-    }
-    /// What goes out as a `Record` must read as one.
-    template <typename Record>
-    void check(const QString& key, const QJsonObject& sent) {
-        const auto decoded = Record::decode(QJsonDocument{sent}.toJson(QJsonDocument::Compact));
-        if (!decoded && !m_problem)
-            m_problem = u"%1: %2: %3"_s.arg(m_place, key, decoded.error().errorDescription());
-    }
-    [[nodiscard]] const std::optional<QString>& problem() const { return m_problem; }
-    [[nodiscard]] const QString& place() const { return m_place; }
-
-private:
-    QString m_place;
-    QJsonObject m_object;
-    std::optional<QString> m_problem;
-};
 
 PastEvent readEvent(EntryReader& entry) {
     PastEvent event{.type = entry.text(u"type"_s),
@@ -209,15 +132,12 @@ std::expected<CustomerBook, QString> CustomerBook::parse(const QByteArray& json)
     EntryReader root{document.isObject() ? QJsonValue{document.object()} : QJsonValue{}, u"the file"_s};
     const auto customers = root.array(u"customers"_s);
     const auto meetings = root.array(u"meetings"_s);
-    const auto scenarios = root.array(u"scenarios"_s);
     if (root.problem())
         return Bad{*root.problem()};
     CustomerBook book;
     if (const auto read = book.readCustomers(customers); !read)
         return Bad{read.error()};
     if (const auto read = book.readMeetings(meetings); !read)
-        return Bad{read.error()};
-    if (const auto read = book.readScenarios(scenarios); !read)
         return Bad{read.error()};
     return book;
 }
@@ -278,18 +198,6 @@ std::expected<void, QString> CustomerBook::readMeetings(const QJsonArray& meetin
             return Bad{*entry.problem()};
         m_meetings.push_back(std::move(meeting));
     }
-    return {};
-}
-
-std::expected<void, QString> CustomerBook::readScenarios(const QJsonArray& scenarios) {
-    QJsonArray discTypes;
-    for (const auto& row : discTypeRows)
-        discTypes.append(tableText(row.raw));
-    m_scenarios = {{u"scenarios"_s, scenarios}, {u"disc_types"_s, discTypes}};
-    EntryReader entry{m_scenarios, u"the file"_s};
-    entry.check<ScenariosResponse>(u"scenarios"_s, m_scenarios);
-    if (entry.problem())
-        return Bad{*entry.problem()};
     return {};
 }
 

@@ -57,7 +57,7 @@ struct PlannedMeeting {
     QJsonArray attendees;  ///< Without the user, who invites.
 };
 
-/// What the back-end knows of customers, meetings and training scenarios, read from one file. One thread.
+/// What the back-end knows of customers and meetings, read from one file. One thread.
 class CustomerBook {
 public:
     static constexpr qsizetype longestFile = 4 * 1024 * 1024;
@@ -90,21 +90,16 @@ public:
     [[nodiscard]] static QJsonObject timeline(const Customer& customer, const std::optional<QString>& contact,
                                               const QString& entityId, int daysBack, WallTime now);
 
-    /// A `ScenariosResponse`.
-    [[nodiscard]] const QJsonObject& scenarios() const { return m_scenarios; }
-
     [[nodiscard]] const std::vector<Customer>& customers() const { return m_customers; }
 
 private:
     [[nodiscard]] std::expected<void, QString> readCustomers(const QJsonArray& customers);
     [[nodiscard]] std::expected<void, QString> readMeetings(const QJsonArray& meetings);
-    [[nodiscard]] std::expected<void, QString> readScenarios(const QJsonArray& scenarios);
     [[nodiscard]] std::optional<QJsonObject> meetingAt(const PlannedMeeting& meeting, const QString& user,
                                                        WallTime anchor, WallTime now) const;
 
     std::vector<Customer> m_customers;
     std::vector<PlannedMeeting> m_meetings;
-    QJsonObject m_scenarios;
 };
 
 }  // namespace corvellan::sandbox

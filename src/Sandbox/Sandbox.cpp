@@ -30,21 +30,26 @@ Sandbox::Sandbox(SandboxOptions options, Clock& clock, const EventLog& log)
       m_log(log),
       m_accounts(std::move(options.accounts), clock),
       m_customers(options.customers ? std::move(*options.customers) : CustomerBook::shipped()),
+      m_buyers(options.buyers ? std::move(*options.buyers) : BuyerBook::shipped()),
       m_admission(m_accounts, log),
       m_provider(
           {.texts = std::move(options.texts), .keepAudioFolder = options.keepAudioFolder, .faults = options.faults},
           m_tokens, log),
       m_chat(m_accounts, m_customers, options.faults, clock, log),
-      m_coach({.settings = {.faults = options.faults, .closeAfter = options.closeAfter, .providerPort = 0},
+      m_coach({.settings = {.faults = options.faults,
+                            .closeAfter = options.closeAfter,
+                            .providerPort = 0,
+                            .buyerSeed = options.buyerSeed},
                .tokens = m_tokens,
                .calls = m_calls,
+               .buyers = m_buyers,
                .admission = m_admission,
                .log = log,
                .clock = clock}) {
     auto& http = m_coach.http();
     addCoachRoutes(http, {.calls = m_calls,
                           .provider = m_provider,
-                          .customers = m_customers,
+                          .buyers = m_buyers,
                           .admission = m_admission,
                           .log = log,
                           .feedVersion = options.feedVersion.value_or(QStringLiteral(SANDBOX_VERSION))});

@@ -10,6 +10,7 @@
 #include "AccountBook.h"
 #include "Admission.h"
 #include "Base/Error.h"
+#include "BuyerBook.h"
 #include "CallBook.h"
 #include "ChatServer.h"
 #include "CoachServer.h"
@@ -37,8 +38,12 @@ struct SandboxOptions {
     /// What the feed of new versions announces; the version of this build unless given.
     std::optional<QString> feedVersion;
     AccountSettings accounts;
-    /// Customers, meetings and training scenarios; those that come along unless given.
+    /// Customers and meetings; those that come along unless given.
     std::optional<CustomerBook> customers;
+    /// Whom training is held with; those that come along unless given.
+    std::optional<BuyerBook> buyers;
+    /// What the buyers' answers follow from; another one each session unless given.
+    std::optional<std::uint32_t> buyerSeed;
     Faults faults;
     std::optional<WireFault> coachWire;
     std::optional<WireFault> chatWire;
@@ -75,6 +80,7 @@ private:
     CallBook m_calls;
     AccountBook m_accounts;
     CustomerBook m_customers;
+    BuyerBook m_buyers;
     Admission m_admission;
     SensorBook m_sensor;
     FrameBook m_frames;

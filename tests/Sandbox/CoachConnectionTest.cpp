@@ -45,7 +45,7 @@ TEST_F(CoachConnectionTest, namesTheProviderAtTheHostThatTheClientUsed) {
 TEST_F(CoachConnectionTest, givesTrainingNoTokenForTheSystemSide) {
     start();
     WireClient client{coachUrl()};
-    client.send(R"({"type":"start_session","sim_mode":true,"scenario":"s1","audience":"cold_call"})");
+    client.send(R"({"type":"start_session","sim_mode":true,"scenario":"cold_call","audience":"cold_call"})");
     const auto started = client.next();
     EXPECT_TRUE(started.contains(u"openai_ephemeral_token"_s));
     EXPECT_FALSE(started.contains(u"openai_ephemeral_token_system"_s));

@@ -135,9 +135,9 @@ TEST(CommandLineTest, helpsInWords) {
     const auto command = parseCommandLine({u"--help"_s});
     ASSERT_TRUE(command);
     const QString& help = std::get<sandbox::HelpCommand>(*command).text;
-    for (const auto& word :
-         {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"--update"_s, u"--customers"_s,
-          u"extension call-start"_s, u"refuse-token"_s, u"half-open"_s, u"close-at-step-N"_s})
+    for (const auto& word : {u"--script"_s, u"--transcriber"_s, u"--coach-port"_s, u"--keep-audio"_s, u"--update"_s,
+                             u"--customers"_s, u"--buyers"_s, u"--buyer-seed"_s, u"extension call-start"_s,
+                             u"refuse-token"_s, u"half-open"_s, u"close-at-step-N"_s})
         EXPECT_TRUE(help.contains(word)) << word.toStdString();
 }
 
@@ -173,6 +173,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadArguments{{u"--script"_s, u"nothing"_s}, u"nothing: cannot read nothing: No such file or directory"},
         BadArguments{{u"--customers"_s, u"/nowhere"_s},
                      u"--customers /nowhere: cannot read it: No such file or directory"},
+        BadArguments{{u"--buyers"_s, u"/nowhere"_s}, u"--buyers /nowhere: cannot read it: No such file or directory"},
+        BadArguments{{u"--buyer-seed"_s, u"luck"_s}, u"--buyer-seed takes a number from 0 to 4294967295, not \"luck\""},
         BadArguments{{u"--state"_s, QString{}}, u"--state takes the name of a folder"},
         BadArguments{{u"extension"_s},
                      u"Usage: corvellan-sandbox extension call-start | call-end | context | disconnect [options]"},
@@ -191,6 +193,29 @@ INSTANTIATE_TEST_SUITE_P(
         BadArguments{{u"script"_s, u"a"_s, u"--list"_s, u"--json"_s},
                      u"Usage: corvellan-sandbox script FILE [--lengths FILE] [--list | --json]"},
         BadArguments{{u"measure"_s}, u"Usage: corvellan-sandbox measure FILE.wav..."}));
+
+TEST(CommandLineTest, aFileOfBuyersWithAMistakeIsNamedWithItsPlace) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"buyers.json"_s);
+    QFile file{path};
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(R"({"personalities": [{"type": "shy"}], "scenarios": [{}]})");
+    file.close();
+    const auto command = sandbox::parseCommandLine({u"--buyers"_s, path});
+    ASSERT_FALSE(command);
+    EXPECT_EQ(command.error(),
+              u"--buyers %1: personalities[0]: type: expected dominant, influential, steady or "
+              "conscientious"_s.arg(path));
+}
+
+TEST(CommandLineTest, takesASeedForTheBuyers) {
+    const auto command = sandbox::parseCommandLine({u"--buyer-seed"_s, u"4294967295"_s});
+    ASSERT_TRUE(command) << qPrintable(command.error());
+    EXPECT_EQ(std::get<sandbox::ServeCommand>(*command).options.buyerSeed, 4'294'967'295U);
+    const auto without = sandbox::parseCommandLine({});
+    ASSERT_TRUE(without);
+    EXPECT_FALSE(std::get<sandbox::ServeCommand>(*without).options.buyerSeed);
+}
 
 TEST(CommandLineTest, measuresFilesAsTheProviderHearsThem) {
     QTemporaryDir folder;
