@@ -236,6 +236,42 @@ TEST_F(SessionAgainstSandboxTest, sharesTheScreenWhileThatIsSwitchedOn) {
     EXPECT_EQ(factory.captures.desktop->pictured.size(), pictured);
 }
 
+TEST_F(SessionAgainstSandboxTest, aTrainingIsHeldWithTheSandboxsBuyerAndKeptAsOne) {
+    session->startSession(
+        {.simMode = true, .scenario = u"cold_call"_s, .discType = DiscType::dominant, .gameMode = true});
+    QStringList replies;
+    const auto hasReplies = [&](int count) {
+        return spinUntil([&] {
+            settleAfter(clock, 20ms);
+            replies.clear();
+            for (const auto& line : session->transcriptLines().lines())
+                if (line.source == TranscriptSource::system)
+                    replies.append(line.text);
+            return replies.size() >= count;
+        });
+    };
+    ASSERT_TRUE(hasReplies(1));
+    EXPECT_TRUE(replies.at(0).endsWith(u"I am in the middle of the roster for next week."_s));
+    EXPECT_TRUE(spinUntil([&] { return given.audio->isRunning(); }));
+    EXPECT_FALSE(std::ranges::find(calls, "systemAudio.start") != calls.end());
+
+    given.stt->deliverFinal(u"What annoys you most?"_s);
+    ASSERT_TRUE(spinUntil([&] { return session->coachingMessage() == u"Open question on pain: +10. Score 10."_s; }));
+    EXPECT_EQ(session->trainStage(), TrainStage::coaching);
+    ASSERT_TRUE(hasReplies(2));
+    EXPECT_TRUE(replies.at(1).contains(u"I redo the roster three times a week"_s)) << qPrintable(replies.at(1));
+    ASSERT_TRUE(spinUntil([&] { return session->meddicScore().identifyPain; }));
+    EXPECT_EQ(session->callPhase(), u"Score 10"_s);
+
+    // Shorter ones are not kept.
+    settleAfter(clock, 60s);
+    session->endSession();
+    ASSERT_TRUE(spinUntil([&] { return store.records.size() == 1; }));
+    EXPECT_TRUE(store.records[0].wasTrainMode);
+    EXPECT_EQ(store.records[0].scenario, u"cold_call"_s);
+    EXPECT_TRUE(store.records[0].meddic().identifyPain);
+}
+
 TEST_F(SessionAgainstSandboxTest, theScenariosAreAList) {
     const HttpRequest request{.url = QUrl{u"http://127.0.0.2:%1/scenarios"_s.arg(box->coachPort())},
                               .headers = {{"Authorization", "Bearer " + given.auth->accessToken->toUtf8()}}};
