@@ -123,6 +123,17 @@ TestCase {
         check(screen);
     }
 
+    function test_otherTabs_data() {
+        return driver.views.dashboard.visibleTabs.map(tab => ({ tag: tab.name }));
+    }
+
+    function test_otherTabs(data) {
+        const screen = make(mainContent);
+        driver.views.dashboard.selectTab(data.tag);
+        driver.asked("");
+        check(screen);
+    }
+
     // A call
 
     function test_aCall_data() {
