@@ -228,8 +228,8 @@ void measureAll() {
     NoCaptureHiding captureHiding;
     FakeHandoffWindow handoffWindow;
     SettingsFixture settings{fixture.preferences};
-    StealthPanel panel{
-        {session, fixture.preferences, captureHiding, handoffWindow, settings.desktop.appearance, settings.parts()}};
+    StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow, settings.parts()},
+                       settings.desktop.appearance};
     session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
     session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };
     panel.makeKeyAndOrderFront();

@@ -105,25 +105,26 @@ void AppDelegate::openStore() {
 }
 
 void AppDelegate::makePanel() {
-    m_panel = std::make_unique<StealthPanel>(StealthPanel::Parts{
-        .session = *m_viewModel,
-        .preferences = m_environment.session.preferences,
-        .captureHiding = m_environment.desktop.captureHiding,
-        .handoffWindowController = m_environment.handoffWindow,
-        .appearance = m_environment.desktop.appearance,
-        .settings = {.permissions = m_permissionChecker,
-                     .launchAtLogin = m_launchAtLogin,
-                     .notifications = m_environment.desktop.notifications,
-                     .systemSettings = m_environment.desktop.systemSettings,
-                     .browser = m_environment.desktop.browser,
-                     .productionUrl = m_environment.session.productionUrl,
-                     .chatUrl = m_environment.session.chatUrl,
-                     .extensionUrl = m_environment.extensionUrl,
-                     .version = m_environment.runningVersion,
-                     .build = m_environment.runningBuild,
-                     .sharesWindows = m_environment.sharesWindows},
-        .selfTest = m_environment.captureTest,
-    });
+    m_panel = std::make_unique<StealthPanel>(
+        ViewParts{
+            .session = *m_viewModel,
+            .preferences = m_environment.session.preferences,
+            .captureHiding = m_environment.desktop.captureHiding,
+            .handoffWindowController = m_environment.handoffWindow,
+            .settings = {.permissions = m_permissionChecker,
+                         .launchAtLogin = m_launchAtLogin,
+                         .notifications = m_environment.desktop.notifications,
+                         .systemSettings = m_environment.desktop.systemSettings,
+                         .browser = m_environment.desktop.browser,
+                         .productionUrl = m_environment.session.productionUrl,
+                         .chatUrl = m_environment.session.chatUrl,
+                         .extensionUrl = m_environment.extensionUrl,
+                         .version = m_environment.runningVersion,
+                         .build = m_environment.runningBuild,
+                         .sharesWindows = m_environment.sharesWindows},
+            .selfTest = m_environment.captureTest,
+        },
+        m_environment.desktop.appearance);
     connect(m_panel.get(), &StealthPanel::closedByUser, this, &AppDelegate::onPanelClosed);
 }
 

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <QStandardPaths>
+#include <utility>
 
 #include "ViewModels/SessionViewModel.h"
 
 namespace corvellan {
 
-ViewStates::ViewStates(const Parts& parts, QObject* parent)
+ViewStates::ViewStates(const ViewParts& parts, StealthView::AfterNextFrame afterNextFrame, QObject* parent)
     : QObject(parent),
       m_dashboard({.session = parts.session,
                    .theme = m_theme,
@@ -30,7 +31,7 @@ ViewStates::ViewStates(const Parts& parts, QObject* parent)
                             .reportFolder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}}),
       m_memory(parts.session.environment().clock, parts.memoryFile),
       m_settings(parts.session, parts.preferences, parts.settings),
-      m_stealth(parts.session, parts.captureHiding, parts.selfTest, parts.afterNextFrame) {
+      m_stealth(parts.session, parts.captureHiding, parts.selfTest, std::move(afterNextFrame)) {
     connect(&m_home, &HomeView::historyRequested, &m_dashboard, [this] {
         const auto tabs = m_dashboard.visibleTabs();
         if (std::ranges::find(tabs, SidebarTab::history) != tabs.end())

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <optional>
 #include <QObject>
 #include <QQmlEngine>
 
@@ -11,18 +9,14 @@
 #include "HomeView.h"
 #include "LiveSessionView.h"
 #include "MemoryView.h"
-#include "Models/MemoryStore.h"
 #include "SessionHistoryView.h"
 #include "SettingsView.h"
-#include "Shell/Stealth/CaptureSelfTest.h"
 #include "StealthView.h"
 #include "Theme.h"
 #include "Training/ScenarioPickerView.h"
+#include "ViewParts.h"
 
 namespace corvellan {
-
-class CaptureHiding;
-class HandoffWindowController;
 
 /// The view states of the window's screens, under one roof: what the window's content is handed. Main thread.
 class ViewStates : public QObject {
@@ -45,22 +39,9 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::Theme* callTheme READ callTheme CONSTANT)
 
 public:
-    /// What they are made of; all of it outlives the object.
-    struct Parts {
-        SessionViewModel& session;
-        Preferences& preferences;
-        CaptureHiding& captureHiding;
-        HandoffWindowController& handoffWindowController;
-        SettingsParts settings;
-        /// Absent where nothing can picture the screen: then the window can't be looked for in captures.
-        std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
-        /// Calls back after the window's next frame; false when there is none to come.
-        StealthView::AfterNextFrame afterNextFrame = {};
-        /// The file of the user's note.
-        QString memoryFile = MemoryStore::filePath();
-    };
-
-    explicit ViewStates(const Parts& parts, QObject* parent = nullptr);
+    /// \param afterNextFrame the window's; without one it can't be looked for in captures.
+    explicit ViewStates(const ViewParts& parts, StealthView::AfterNextFrame afterNextFrame = {},
+                        QObject* parent = nullptr);
 
     [[nodiscard]] DashboardView* dashboard() { return &m_dashboard; }
     [[nodiscard]] LiveSessionView* live() { return &m_live; }

@@ -90,8 +90,8 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     settings.desktop.appearance.setColorScheme(state.isLight ? ColorScheme::light : ColorScheme::dark);
     if (state.prepareSettings)
         state.prepareSettings(settings, fixture.preferences);
-    StealthPanel panel{
-        {session, fixture.preferences, captureHiding, handoffWindow, settings.desktop.appearance, settings.parts()}};
+    StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow, settings.parts()},
+                       settings.desktop.appearance};
     session.onSessionActiveChanged = [&](bool isActive) { isActive ? panel.enterCallMode() : panel.enterIdleMode(); };
     session.onStealthChanged = [&](bool isEnabled) { panel.setStealth(isEnabled); };
     session.onSessionModeChanged = [&](const QString& mode) { panel.setSessionMode(mode); };

@@ -32,19 +32,12 @@ constexpr auto settlingTime = 1s;
 
 }  // namespace
 
-StealthPanel::StealthPanel(const Parts& parts)
-    : m_views(std::make_unique<ViewStates>(ViewStates::Parts{
-          .session = parts.session,
-          .preferences = parts.preferences,
-          .captureHiding = parts.captureHiding,
-          .handoffWindowController = parts.handoffWindowController,
-          .settings = parts.settings,
-          .selfTest = parts.selfTest,
-          .afterNextFrame = [this](std::function<void()> painted) { return afterNextFrame(std::move(painted)); },
-      })),
+StealthPanel::StealthPanel(const ViewParts& parts, DesktopAppearance& appearance)
+    : m_views(std::make_unique<ViewStates>(
+          parts, [this](std::function<void()> painted) { return afterNextFrame(std::move(painted)); })),
       m_preferences(parts.preferences),
       m_captureHiding(parts.captureHiding),
-      m_appearance(parts.appearance) {
+      m_appearance(appearance) {
     m_settling.setSingleShot(true);
     m_settling.setInterval(settlingTime);
     connect(&m_settling, &QTimer::timeout, this, [this] { m_asked.reset(); });

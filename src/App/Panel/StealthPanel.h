@@ -10,18 +10,15 @@
 #include <QTimer>
 
 #include "Platform/CaptureHiding.h"
-#include "Shell/Stealth/CaptureSelfTest.h"
-#include "Views/SettingsView.h"
 
 class QKeyEvent;
 
 namespace corvellan {
 
 class DesktopAppearance;
-class HandoffWindowController;
 class Preferences;
-class SessionViewModel;
 class ViewStates;
+struct ViewParts;
 
 /// The program's one main window. Between calls an ordinary window; in a call a borderless panel of a
 /// fixed size that stays above others and can be hidden from screen capture.
@@ -33,20 +30,8 @@ class StealthPanel : public QQuickView {
     Q_OBJECT
 
 public:
-    /// What it is made of; all of it outlives the panel.
-    struct Parts {
-        SessionViewModel& session;
-        Preferences& preferences;
-        CaptureHiding& captureHiding;
-        HandoffWindowController& handoffWindowController;
-        DesktopAppearance& appearance;
-        SettingsParts settings;
-        /// Absent where nothing can picture the screen: then the window can't be looked for in captures.
-        std::optional<CaptureSelfTest::Means> selfTest = std::nullopt;
-    };
-
-    /// Builds the idle face. It is not shown yet.
-    explicit StealthPanel(const Parts& parts);
+    /// Builds the idle face. It is not shown yet. What is passed in, and what `parts` refers to, outlives it.
+    StealthPanel(const ViewParts& parts, DesktopAppearance& appearance);
     ~StealthPanel() override;
 
     [[nodiscard]] bool isStealthEnabled() const { return m_isStealthEnabled; }

@@ -10,6 +10,7 @@
 #include "Support/SessionFixture.h"
 #include "Support/SettingsFixture.h"
 #include "Views/HandoffWindowController.h"
+#include "Views/ViewParts.h"
 
 namespace corvellan::test {
 
@@ -59,8 +60,8 @@ protected:
     FakeCaptureHiding captureHiding;
     IgnoredHandoffWindow handoffWindow;
     SettingsFixture settings{fixture.preferences};
-    StealthPanel panel{{fixture.session(), fixture.preferences, captureHiding, handoffWindow,
-                        settings.desktop.appearance, settings.parts()}};
+    StealthPanel panel{{fixture.session(), fixture.preferences, captureHiding, handoffWindow, settings.parts()},
+                       settings.desktop.appearance};
 };
 
 }  // namespace corvellan::test

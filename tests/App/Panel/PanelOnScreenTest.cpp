@@ -155,9 +155,9 @@ TEST_F(PanelOnScreenTest, orderFrontLeavesTheKeyboardWhereItIs) {
 class PanelSelfTestOnScreen : public testing::Test {
 protected:
     StealthPanel& show(ScreenPictures& pictures) {
-        panel.emplace(StealthPanel::Parts{fixture.session(), fixture.preferences, *captureHiding, handoffWindow,
-                                          settings.desktop.appearance, settings.parts(),
-                                          CaptureSelfTest::Means{pictures, clock, worker.executor()}});
+        panel.emplace(ViewParts{fixture.session(), fixture.preferences, *captureHiding, handoffWindow, settings.parts(),
+                                CaptureSelfTest::Means{pictures, clock, worker.executor()}},
+                      settings.desktop.appearance);
         panel->makeKeyAndOrderFront();
         EXPECT_TRUE(spinUntil([&] { return panel->isExposed(); }));
         return *panel;

@@ -159,8 +159,8 @@ TEST_F(StealthPanelTest, aHiddenWindowIsHiddenAnewWhenItIsShownAgain) {
 
 TEST_F(StealthPanelTest, aDesktopThatCantHideWindowsIsNamedSo) {
     NoCaptureHiding nothing;
-    StealthPanel other{{fixture.session(), fixture.preferences, nothing, handoffWindow, settings.desktop.appearance,
-                        settings.parts()}};
+    StealthPanel other{{fixture.session(), fixture.preferences, nothing, handoffWindow, settings.parts()},
+                       settings.desktop.appearance};
     other.setStealth(true);
     EXPECT_TRUE(other.isStealthEnabled());
     EXPECT_EQ(other.captureVisibility(), CaptureVisibility::unsupported);
