@@ -132,7 +132,7 @@ TEST_F(CalendarViewTest, aCardShowsAttendeesAndCompany) {
 
 TEST_F(CalendarViewTest, aCallStartsAsFromTheHomeScreen) {
     session().setUpcomingMeetings({meetingNamed(u"m-1"_s, u"One"_s), meetingNamed(u"m-2"_s, u"Two"_s)});
-    fixture.home().setCallPrepNotes(u"Hosting"_s);
+    fixture.home().callPrep()->setCallPrepNotes(u"Hosting"_s);
     calendar().startCall(1);
     settle();
     EXPECT_EQ(session().currentCompany(), u"Two"_s);

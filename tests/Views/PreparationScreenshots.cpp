@@ -153,9 +153,9 @@ void unfold(const ScreenshotScene& scene) {
 void prepareCall(const ScreenshotScene& scene) {
     enterFully(scene);
     HomeView& home = *scene.views().home();
-    home.setCallPrepNotes(u"Ask about the outages in January, and who signs in June. "_s.repeated(16));
-    home.toggleGoal(0);
-    home.toggleGoal(2);
+    home.callPrep()->setCallPrepNotes(u"Ask about the outages in January, and who signs in June. "_s.repeated(16));
+    home.callPrep()->toggleGoal(0);
+    home.callPrep()->toggleGoal(2);
 }
 
 ScreenshotStateList homeStates() {

@@ -12,13 +12,14 @@ ColumnLayout {
     required property Theme theme
     /// Of the results.
     required property int row
+    readonly property CompanyDossier dossier: home.dossier
 
     spacing: 12
 
     WaitLine {
         Layout.fillWidth: true
         objectName: "briefWait"
-        visible: root.home.isLoadingBrief
+        visible: root.dossier.isLoadingBrief
         theme: root.theme
         text: qsTr("Loading brief...")
     }
@@ -26,7 +27,7 @@ ColumnLayout {
     ColumnLayout {
         Layout.fillWidth: true
         objectName: "brief"
-        visible: root.home.hasBrief
+        visible: root.dossier.hasBrief
         spacing: 12
 
         ReadOut {
@@ -34,18 +35,18 @@ ColumnLayout {
             objectName: "briefRemark"
             visible: text.length > 0
             theme: root.theme
-            text: root.home.briefRemark
+            text: root.dossier.briefRemark
             size: 12
             color: root.theme.secondary
             wrapMode: Text.Wrap
         }
         FlowLayout {
             Layout.fillWidth: true
-            visible: root.home.revenueFacts.length > 0
+            visible: root.dossier.revenueFacts.length > 0
             spacing: 24
 
             Repeater {
-                model: root.home.revenueFacts
+                model: root.dossier.revenueFacts
 
                 ColumnLayout {
                     id: fact
@@ -72,7 +73,7 @@ ColumnLayout {
         }
         ColumnLayout {
             Layout.fillWidth: true
-            visible: root.home.products.length > 0
+            visible: root.dossier.products.length > 0
             spacing: 4
 
             BriefTitle {
@@ -80,7 +81,7 @@ ColumnLayout {
                 text: qsTr("Products")
             }
             Repeater {
-                model: root.home.products
+                model: root.dossier.products
 
                 RowLayout {
                     id: product
@@ -109,7 +110,7 @@ ColumnLayout {
         }
         ColumnLayout {
             Layout.fillWidth: true
-            visible: root.home.contacts.length > 0
+            visible: root.dossier.contacts.length > 0
             spacing: 4
 
             BriefTitle {
@@ -117,7 +118,7 @@ ColumnLayout {
                 text: qsTr("Contacts")
             }
             Repeater {
-                model: root.home.contacts
+                model: root.dossier.contacts
 
                 ColumnLayout {
                     id: contact
@@ -152,9 +153,9 @@ ColumnLayout {
 
             Layout.fillWidth: true
             objectName: "notes"
-            visible: root.home.notesTitle.length > 0
+            visible: root.dossier.notesTitle.length > 0
             theme: root.theme
-            label: root.home.notesTitle
+            label: root.dossier.notesTitle
             symbol: "note.text"
             onToggled: isUnfolded = !isUnfolded
 
@@ -164,8 +165,8 @@ ColumnLayout {
                 Layout.fillWidth: true
                 objectName: "noteList"
                 theme: root.theme
-                model: root.home.notes
-                Accessible.name: root.home.notesTitle
+                model: root.dossier.notes
+                Accessible.name: root.dossier.notesTitle
 
                 delegate: ColumnLayout {
                     id: note
@@ -198,22 +199,22 @@ ColumnLayout {
             }
         }
         RowLayout {
-            visible: root.home.hasCrmLink || root.home.hasHubspotLink
+            visible: root.dossier.hasCrmLink || root.dossier.hasHubspotLink
             spacing: 8
 
             BriefLink {
                 objectName: "crmLink"
-                visible: root.home.hasCrmLink
+                visible: root.dossier.hasCrmLink
                 theme: root.theme
                 text: qsTr("CRM")
-                onClicked: root.home.openCrm()
+                onClicked: root.dossier.openCrm()
             }
             BriefLink {
                 objectName: "hubspotLink"
-                visible: root.home.hasHubspotLink
+                visible: root.dossier.hasHubspotLink
                 theme: root.theme
                 text: qsTr("HubSpot")
-                onClicked: root.home.openHubspot()
+                onClicked: root.dossier.openHubspot()
             }
         }
         HandoffSection {
@@ -236,7 +237,7 @@ ColumnLayout {
         Layout.fillWidth: true
         objectName: "briefProblem"
         theme: root.theme
-        text: root.home.briefProblem
+        text: root.dossier.briefProblem
     }
 
     ProminentButton {

@@ -11,32 +11,33 @@ FoldGroup {
     required property HomeView home
     /// Of the results.
     required property int row
+    readonly property CompanyDossier dossier: home.dossier
 
     label: qsTr("AE Handoff")
     symbol: "doc.text"
     color: theme.orange
-    isUnfolded: home.homeHandoffExpanded
+    isUnfolded: dossier.homeHandoffExpanded
     onToggled: home.toggleHandoff(row)
 
     WaitLine {
         Layout.fillWidth: true
         objectName: "handoffWait"
-        visible: root.home.isLoadingHomeHandoff
+        visible: root.dossier.isLoadingHomeHandoff
         theme: root.theme
         text: qsTr("Generating handoff...")
     }
     ColumnLayout {
         Layout.fillWidth: true
-        visible: root.home.hasHandoff
+        visible: root.dossier.hasHandoff
         spacing: 8
 
         FlowLayout {
             Layout.fillWidth: true
-            visible: root.home.handoffStatistics.length > 0
+            visible: root.dossier.handoffStatistics.length > 0
             spacing: 14
 
             Repeater {
-                model: root.home.handoffStatistics
+                model: root.dossier.handoffStatistics
 
                 RowLayout {
                     id: statistic
@@ -64,8 +65,8 @@ FoldGroup {
             Layout.fillWidth: true
             objectName: "handoffNote"
             theme: root.theme
-            text: root.home.handoffNote
-            onLinkActivated: address => root.home.openNoteLink(address)
+            text: root.dossier.handoffNote
+            onLinkActivated: address => root.dossier.openNoteLink(address)
         }
         RowLayout {
             spacing: 8
@@ -75,14 +76,14 @@ FoldGroup {
                 theme: root.theme
                 text: qsTr("Copy")
                 symbol: "doc.on.doc"
-                onClicked: root.home.copyHandoff()
+                onClicked: root.dossier.copyHandoff()
             }
             FormButton {
                 objectName: "openHandoff"
                 theme: root.theme
                 text: qsTr("Open Window")
                 symbol: "arrow.up.forward.square"
-                onClicked: root.home.openHandoffWindow()
+                onClicked: root.dossier.openHandoffWindow()
             }
         }
     }
@@ -90,11 +91,11 @@ FoldGroup {
         Layout.fillWidth: true
         objectName: "handoffProblem"
         theme: root.theme
-        text: root.home.handoffProblem
+        text: root.dossier.handoffProblem
     }
     FormButton {
         objectName: "loadHandoff"
-        visible: !root.home.hasHandoff && !root.home.isLoadingHomeHandoff
+        visible: !root.dossier.hasHandoff && !root.dossier.isLoadingHomeHandoff
         theme: root.theme
         text: qsTr("Load Handoff")
         onClicked: root.home.loadHandoffOf(root.row)

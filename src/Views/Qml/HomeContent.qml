@@ -104,11 +104,11 @@ FocusScope {
                     header: ReadOut {
                         objectName: "notesCounter"
                         theme: root.theme
-                        text: root.home.notesCounter
+                        text: root.home.callPrep.notesCounter
                         size: 11
                         isMonospaced: true
-                        color: root.theme.named[root.home.notesCounterColor]
-                        Accessible.name: qsTr("%1 characters").arg(root.home.notesCounter)
+                        color: root.theme.named[root.home.callPrep.notesCounterColor]
+                        Accessible.name: qsTr("%1 characters").arg(root.home.callPrep.notesCounter)
                     }
 
                     ColumnLayout {
@@ -122,7 +122,7 @@ FocusScope {
                             spacing: 8
 
                             Repeater {
-                                model: root.home.goals
+                                model: root.home.callPrep.goals
 
                                 GoalChip {
                                     required property int index
@@ -131,13 +131,13 @@ FocusScope {
                                     objectName: "goal" + index
                                     theme: root.theme
                                     text: label
-                                    onClicked: root.home.toggleGoal(index)
+                                    onClicked: root.home.callPrep.toggleGoal(index)
                                 }
                             }
                         }
                         NotesField {
                             Layout.fillWidth: true
-                            home: root.home
+                            prep: root.home.callPrep
                             theme: root.theme
                         }
                     }
@@ -199,14 +199,14 @@ FocusScope {
                 FormSection {
                     Layout.fillWidth: true
                     objectName: "lastSessionSection"
-                    visible: root.home.hasLastSession
+                    visible: root.home.lastSession.isThere
                     theme: root.theme
                     title: qsTr("Last Session")
 
                     LastSessionCard {
                         Layout.fillWidth: true
                         objectName: "lastSession"
-                        home: root.home
+                        session: root.home.lastSession
                         theme: root.theme
                         onClicked: root.home.openHistory()
                     }

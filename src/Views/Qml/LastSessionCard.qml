@@ -6,10 +6,10 @@ import Corvellan.Views
 RowButton {
     id: root
 
-    required property HomeView home
+    required property LastSession session
 
-    text: home.lastSessionTitle
-    Accessible.description: home.lastSessionSpoken
+    text: session.title
+    Accessible.description: session.spoken
 
     contentItem: RowLayout {
         spacing: 12
@@ -18,11 +18,11 @@ RowButton {
             objectName: "lastScore"
             theme: root.theme
             visible: text.length > 0
-            text: root.home.lastSessionScore
+            text: root.session.score
             size: 15
             isMonospaced: true
             font.weight: Font.Bold
-            color: Qt.alpha(root.theme.named[root.home.lastSessionScoreColor], root.home.lastSessionScoreOpacity)
+            color: Qt.alpha(root.theme.named[root.session.scoreColor], root.session.scoreOpacity)
             Accessible.ignored: true
         }
         ColumnLayout {
@@ -37,7 +37,7 @@ RowButton {
                     Layout.maximumWidth: implicitWidth
                     objectName: "lastTitle"
                     theme: root.theme
-                    text: root.home.lastSessionTitle
+                    text: root.session.title
                     size: 13
                     font.weight: Font.Medium
                     elide: Text.ElideRight
@@ -45,7 +45,7 @@ RowButton {
                 }
                 Pill {
                     objectName: "trainBadge"
-                    visible: root.home.wasLastSessionTraining
+                    visible: root.session.wasTraining
                     theme: root.theme
                     text: qsTr("TRAIN")
                     tint: root.theme.orange
@@ -61,7 +61,7 @@ RowButton {
                 Layout.fillWidth: true
                 objectName: "lastCaption"
                 theme: root.theme
-                text: root.home.lastSessionCaption
+                text: root.session.caption
                 size: 11
                 color: root.theme.secondary
                 elide: Text.ElideRight

@@ -8,7 +8,7 @@ import Corvellan.Views
 Rectangle {
     id: root
 
-    required property HomeView home
+    required property CallPrep prep
     required property Theme theme
 
     implicitHeight: Math.max(72, Math.min(area.contentHeight + 16, 180))
@@ -18,17 +18,17 @@ Rectangle {
     border.color: area.activeFocus ? root.theme.focusRing : root.theme.controlBorder
 
     function show() {
-        if (area.text === root.home.callPrepNotes)
+        if (area.text === root.prep.callPrepNotes)
             return;
         const at = area.cursorPosition;
-        area.text = root.home.callPrepNotes;
+        area.text = root.prep.callPrepNotes;
         area.cursorPosition = Math.min(at, area.length);
     }
 
     Component.onCompleted: show()
 
     Connections {
-        target: root.home
+        target: root.prep
 
         function onCallPrepNotesChanged() {
             root.show();
@@ -62,7 +62,7 @@ Rectangle {
             selectionColor: root.theme.accent
             selectedTextColor: root.theme.white
             placeholderText: qsTr("Follow-up items, prep notes...")
-            onTextChanged: root.home.callPrepNotes = text
+            onTextChanged: root.prep.callPrepNotes = text
 
             // The Tab key leaves: nobody indents here.
             Keys.priority: Keys.BeforeItem

@@ -11,16 +11,17 @@ FoldGroup {
     required property HomeView home
     /// Of the results.
     required property int row
+    readonly property CompanyDossier dossier: home.dossier
 
     label: qsTr("Engagement")
-    badge: home.eventCountText
-    isUnfolded: home.homeTimelineExpanded
+    badge: dossier.eventCountText
+    isUnfolded: dossier.homeTimelineExpanded
     onToggled: home.toggleTimeline(row)
 
     WaitLine {
         Layout.fillWidth: true
         objectName: "timelineWait"
-        visible: root.home.isLoadingHomeTimeline
+        visible: root.dossier.isLoadingHomeTimeline
         theme: root.theme
         text: qsTr("Loading timeline...")
     }
@@ -29,9 +30,9 @@ FoldGroup {
 
         Layout.fillWidth: true
         objectName: "eventList"
-        visible: root.home.hasEvents
+        visible: root.dossier.hasEvents
         theme: root.theme
-        model: root.home.events
+        model: root.dossier.events
         Accessible.name: qsTr("Engagement")
 
         delegate: RowLayout {
@@ -87,11 +88,11 @@ FoldGroup {
         Layout.fillWidth: true
         objectName: "timelineProblem"
         theme: root.theme
-        text: root.home.timelineProblem
+        text: root.dossier.timelineProblem
     }
     ReadOut {
         objectName: "noEvents"
-        visible: !root.home.hasEvents && !root.home.isLoadingHomeTimeline
+        visible: !root.dossier.hasEvents && !root.dossier.isLoadingHomeTimeline
         theme: root.theme
         text: qsTr("No recent activity")
         size: 12

@@ -195,7 +195,7 @@ TestCase {
         homeDriver.home.toggleTimeline(0);
         homeDriver.settle();
         tryVerify(() => findChild(screen, "startCoaching") !== null);
-        tryVerify(() => homeDriver.home.hasHandoff && homeDriver.home.hasEvents);
+        tryVerify(() => homeDriver.home.dossier.hasHandoff && homeDriver.home.dossier.hasEvents);
         check(screen);
     }
 
