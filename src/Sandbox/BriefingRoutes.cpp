@@ -1,5 +1,6 @@
 #include "BriefingRoutes.h"
 
+#include <expected>
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponse>
@@ -22,14 +23,16 @@ namespace {
 
 using Status = QHttpServerResponse::StatusCode;
 
-/// A field of the query as a number of the range. Empty when it is none; `otherwise` when it is not there.
-std::optional<qint64> numberIn(const FormFields& query, const QString& name, qint64 lowest, qint64 highest,
-                               qint64 otherwise) {
+/// A field of the query as a number of the range, `otherwise` when it is not there; or what is wrong with it.
+std::expected<qint64, QString> numberIn(const FormFields& query, const QString& name, qint64 lowest, qint64 highest,
+                                        qint64 otherwise) {
     if (!query.contains(name))
         return otherwise;
     bool isNumber = false;
     const qint64 value = query[name].toLongLong(&isNumber);
-    return isNumber && value >= lowest && value <= highest ? std::optional{value} : std::nullopt;
+    if (!isNumber || value < lowest || value > highest)
+        return std::unexpected(u"%1 is a number from %2 to %3"_s.arg(name).arg(lowest).arg(highest));
+    return value;
 }
 
 std::optional<QString> textIn(const FormFields& query, const QString& name) {
@@ -66,7 +69,7 @@ public:
             constexpr qint64 usual = 10;
             const auto limit = numberIn(query, u"max_results"_s, 1, most, usual);
             if (!limit)
-                return refuse(Status::BadRequest, u"max_results is a number from 1 to 100"_s);
+                return refuse(Status::BadRequest, limit.error());
             const auto events =
                 m_customers.upcoming(user, m_startedAt, m_clock.wallNow(), static_cast<qsizetype>(*limit));
             note(u"%1 meetings for %2"_s.arg(events.size()).arg(user));
@@ -125,7 +128,7 @@ public:
             constexpr qint64 usual = 90;
             const auto days = numberIn(query, u"daysBack"_s, 1, most, usual);
             if (!days)
-                return refuse(Status::BadRequest, u"daysBack is a number from 1 to 3650"_s);
+                return refuse(Status::BadRequest, days.error());
             const auto company = textIn(query, u"companyId"_s);
             const auto contact = textIn(query, u"contactId"_s);
             if (!company && !contact)

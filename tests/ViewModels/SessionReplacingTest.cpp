@@ -6,6 +6,14 @@ using namespace std::chrono_literals;
 namespace corvellan::test {
 namespace {
 
+/// The server lets the call begin that was started last.
+void expectToBegin(SessionFixture& fixture) {
+    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
+    settle();
+    EXPECT_TRUE(fixture.session().isSessionActive());
+    EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
+}
+
 TEST(SessionPipelineTest, aSecondStartWhileConnectingTakesTheFirstOnesPlace) {
     SessionFixture fixture;
     auto& session = fixture.session();
@@ -36,10 +44,7 @@ TEST(SessionPipelineTest, theNextStartClosesThePipelineOfTheLastAndItsLateExitLa
     expected.insert(expected.end(), {"ws.connect", "ws.send"});
     EXPECT_EQ(fixture.log, expected);
     EXPECT_EQ(states.mid(0, 2), (QStringList{u"Ready"_s, u"Connecting..."_s}));
-    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
-    settle();
-    EXPECT_TRUE(session.isSessionActive());
-    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+    expectToBegin(fixture);
     EXPECT_TRUE(fixture.audio->isRunning());
 }
 
@@ -64,10 +69,7 @@ TEST(SessionPipelineTest, aStartRightAfterAStopWaitsForTheClosing) {
     session.stopSession();
     session.startSession();
     settle();
-    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
-    settle();
-    EXPECT_TRUE(session.isSessionActive());
-    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+    expectToBegin(fixture);
 }
 
 TEST(SessionPipelineTest, ofTwoStartsThatWaitForTheClosingOnlyTheSecondConnects) {
@@ -81,10 +83,7 @@ TEST(SessionPipelineTest, ofTwoStartsThatWaitForTheClosingOnlyTheSecondConnects)
     settle();
     EXPECT_EQ(fixture.ws->urls.size(), 2U) << "the ended call's and one more";
     EXPECT_EQ(std::get<StartSessionPayload>(fixture.ws->sent.back().value).company, u"Second"_s);
-    fixture.ws->deliver(ServerMsg::Value{SessionFixture::started()});
-    settle();
-    EXPECT_TRUE(session.isSessionActive());
-    EXPECT_EQ(session.statusText(), u"Listening..."_s);
+    expectToBegin(fixture);
 }
 
 TEST(SessionPipelineTest, aStartThatIsStoppedWhileItWaitsNeverConnects) {

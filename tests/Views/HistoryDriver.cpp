@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include "History/HistoryRecords.h"
 #include "HistoryWorld.h"
 
 namespace corvellan::test {
@@ -11,15 +12,6 @@ namespace corvellan::test {
 namespace {
 
 constexpr std::chrono::minutes apart{30};
-
-MeddicScore scoreOf(int score) {
-    return {.metrics = score > 0,
-            .economicBuyer = score > 1,
-            .decisionCriteria = score > 2,
-            .decisionProcess = score > 3,
-            .identifyPain = score > 4,
-            .champion = score > 5};
-}
 
 std::optional<QString> named(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional{text};

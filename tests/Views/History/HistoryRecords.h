@@ -25,6 +25,16 @@ inline constexpr WallTime noonish = std::chrono::sys_days{std::chrono::year{2026
     return entry;
 }
 
+/// The first criteria, so many.
+[[nodiscard]] constexpr MeddicScore scoreOf(int score) {
+    return {.metrics = score > 0,
+            .economicBuyer = score > 1,
+            .decisionCriteria = score > 2,
+            .decisionProcess = score > 3,
+            .identifyPain = score > 4,
+            .champion = score > 5};
+}
+
 [[nodiscard]] inline SessionIndexEntry scored(MeddicScore meddic, std::int64_t durationSecs = 0) {
     SessionIndexEntry entry = entryAt(noonish);
     entry.durationSecs = durationSecs;

@@ -8,15 +8,6 @@ namespace corvellan::test {
 
 namespace {
 
-constexpr MeddicScore scoreOf(int score) {
-    return {.metrics = score > 0,
-            .economicBuyer = score > 1,
-            .decisionCriteria = score > 2,
-            .decisionProcess = score > 3,
-            .identifyPain = score > 4,
-            .champion = score > 5};
-}
-
 SessionStatistics of(const std::vector<SessionIndexEntry>& records) {
     return SessionStatistics::of(records, allOf(records));
 }
