@@ -15,6 +15,8 @@ ListView {
     implicitHeight: count === 0 ? 0 : Math.min(Math.max(contentHeight, 40), greatestHeight)
     clip: true
     reuseItems: true
+    // Rows beyond the edge would be made later, bit by bit; one that is due when its company folds is asked for in vain.
+    cacheBuffer: 0
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: isOverflowing
     // The keyboard is on the list, not on a row.

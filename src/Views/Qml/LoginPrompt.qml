@@ -60,7 +60,8 @@ FocusScope {
             onClicked: root.home.login()
         }
         ProblemLine {
-            Layout.fillWidth: true
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: parent.width
             Layout.topMargin: 18
             objectName: "loginProblem"
             theme: root.theme

@@ -81,6 +81,19 @@ ScreenCase {
         verify(shownTexts(screen).includes("Login: refused"));
     }
 
+    function test_theTroubleOfASignInStandsInTheMiddle() {
+        homeDriver.signOut();
+        const screen = open();
+        const line = control(screen, "loginProblem");
+        const middle = () => line.mapToItem(screen, line.width / 2, 0).x;
+        for (const text of ["Login: refused", "Login: " + "refused ".repeat(40)]) {
+            homeDriver.setError(text);
+            tryVerify(() => Math.abs(middle() - screen.width / 2) < 1, 5000, text);
+            verify(line.width < screen.width, text);
+        }
+        verify(control(line, "problemText").lineCount > 1);
+    }
+
     // What stands where
 
     function test_theEmptyScreenHasSearchPrepAndTheStart() {
