@@ -1,5 +1,7 @@
 #include "SessionHistoryView.h"
 
+#include <algorithm>
+
 #include "Base/DebugLog.h"
 #include "MeddicLabels.h"
 #include "Theme.h"
@@ -8,10 +10,12 @@
 namespace corvellan {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr int statCardCount = 4;
+constexpr auto dayCheckInterval = 1min;
 
 template <typename Rows>
 QStringList rawTexts(const Rows& rows) {
@@ -38,6 +42,7 @@ SessionHistoryView::SessionHistoryView(Parts parts, QObject* parent)
 
 SessionHistoryView::~SessionHistoryView() {
     m_openTask.clear();
+    m_dayTask.clear();
 }
 
 // MARK: - Records
@@ -102,11 +107,13 @@ void SessionHistoryView::appear() {
     setOpenProblem({});
     Q_EMIT filtersChanged();
     showList();
+    followDays();
 }
 
 void SessionHistoryView::disappear() {
     m_isShowing = false;
     m_openTask.clear();
+    m_dayTask.clear();
     closeRecord();
 }
 
@@ -142,6 +149,25 @@ void SessionHistoryView::refreshList() {
     }
     m_criterionRates.assign(rates);
     Q_EMIT listChanged();
+}
+
+void SessionHistoryView::followDays() {
+    m_dayTask = CancellableTask::start([this](std::stop_token stop) -> QCoro::Task<void> {
+        Clock& clock = m_parts.session.environment().clock;
+        auto today = m_days.dayOf(clock.wallNow());
+        while (true) {
+            // Not the whole day at once: the clock that waits stands while the computer sleeps.
+            const auto untilMidnight = std::max(today.end - clock.wallNow(), WallTime::duration{1});
+            if (co_await sleep(clock, std::min<std::chrono::nanoseconds>(untilMidnight, dayCheckInterval), stop) ==
+                SleepEnd::interrupted)
+                co_return;
+            if (today.contains(clock.wallNow()))
+                continue;
+            today = m_days.dayOf(clock.wallNow());
+            if (!m_detail)
+                refreshList();
+        }
+    });
 }
 
 void SessionHistoryView::syncHistory() {

@@ -115,6 +115,8 @@ private:
     /// What happens each time the list appears.
     void showList();
     void refreshList();
+    /// While the list shows, "Today" becomes "Yesterday" at midnight.
+    void followDays();
     void openFresh();
     void openRecord(QUuid id);
     void readOpenRecord();
@@ -141,6 +143,7 @@ private:
     SessionStatistics m_statistics;
     std::shared_ptr<void> m_observation;
     TaskSlot m_openTask;
+    TaskSlot m_dayTask;
 };
 
 }  // namespace corvellan
