@@ -10,7 +10,6 @@
 #include "LocalKeyMonitor.h"
 #include "Platform/Notifications.h"
 #include "Platform/StatusBar.h"
-#include "Platform/WindowActivation.h"
 #include "Views/HandoffWindowController.h"
 #include "Views/ViewStates.h"
 
@@ -52,6 +51,8 @@ AppDelegate::~AppDelegate() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     shellLog(u"applicationDidFinishLaunching"_s);
+    // First, since the desktop may end while the launch still waits for some part of it.
+    QCoreApplication::instance()->installEventFilter(this);
     auto& notifications = m_environment.desktop.notifications;
     notifications.didReceive = [this](const NotificationResponse& response) {
         userNotificationCenterDidReceive(response);
@@ -79,7 +80,6 @@ void AppDelegate::applicationDidFinishLaunching() {
     m_panel->makeKeyAndOrderFront();
     measureStartUp();
     startPermissionChecks();
-    QCoreApplication::instance()->installEventFilter(this);
 }
 
 void AppDelegate::openStore() {
@@ -97,9 +97,7 @@ void AppDelegate::openStore() {
         self->m_storeWatch = self->m_modelContainer->observe([self](const SessionStoreProtocol::Index&) {
             auto& ready = self->m_environment.session.diagnostics.storeReadyMicroseconds;
             if (ready < 0)
-                ready = std::chrono::floor<std::chrono::microseconds>(self->m_environment.session.clock.now() -
-                                                                      self->m_environment.launchedAt)
-                            .count();
+                ready = self->microsecondsSinceLaunch();
         });
     }(this));
 }
@@ -161,10 +159,8 @@ void AppDelegate::onGlobalKeyDown(const KeyDown& key) {
 }
 
 void AppDelegate::bringToFront(const QString& activationToken) {
-    if (!m_panel)
-        return;
-    m_panel->makeKeyAndOrderFront();
-    m_environment.desktop.activation.activateIgnoringOtherApps(*m_panel, activationToken);
+    if (m_panel)
+        m_panel->bringToFront(m_environment.desktop.activation, activationToken);
 }
 
 void AppDelegate::installCallbacks() {
@@ -228,13 +224,13 @@ void AppDelegate::measureStartUp() {
     // The window is not exposed yet, so its first swap is the first frame.
     connect(
         m_panel.get(), &QQuickWindow::frameSwapped, this,
-        [this] {
-            m_environment.session.diagnostics.firstFrameMicroseconds =
-                std::chrono::floor<std::chrono::microseconds>(m_environment.session.clock.now() -
-                                                              m_environment.launchedAt)
-                    .count();
-        },
+        [this] { m_environment.session.diagnostics.firstFrameMicroseconds = microsecondsSinceLaunch(); },
         Qt::SingleShotConnection);
+}
+
+std::int64_t AppDelegate::microsecondsSinceLaunch() const {
+    const auto passed = m_environment.session.clock.now() - m_environment.launchedAt;
+    return std::chrono::floor<std::chrono::microseconds>(passed).count();
 }
 
 void AppDelegate::measureTips() {

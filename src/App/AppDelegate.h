@@ -71,6 +71,7 @@ private:
     /// Tells once that the program goes on without a window, where no tray shows that it does.
     void onPanelClosed();
     void measureStartUp();
+    [[nodiscard]] std::int64_t microsecondsSinceLaunch() const;
     void measureTips();
 
     // MeetingReminders.cpp

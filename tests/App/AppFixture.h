@@ -127,6 +127,8 @@ protected:
     IgnoredHandoffWindow handoffWindow;
     LogCapture shell{QStringLiteral("Shell")};
     std::optional<Error> storeFailure;
+    /// Called in the middle of it, before there is a panel.
+    std::function<void()> duringLaunch;
     QString runningVersion = QStringLiteral("1.9");
     int terminations = 0;
     FakeUpdater* updater = nullptr;
@@ -158,6 +160,8 @@ private:
                 },
             .openStore = [this]() -> QCoro::Task<std::expected<OpenedStore, Error>> {
                 log.emplace_back("store.open");
+                if (duringLaunch)
+                    duringLaunch();
                 if (storeFailure)
                     co_return std::unexpected(*storeFailure);
                 auto made = std::make_unique<FakeStore>();

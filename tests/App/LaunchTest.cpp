@@ -229,6 +229,17 @@ TEST_F(LaunchTest, aRequestToQuitFromOutsideIsNotTakenForAClosedWindow) {
     EXPECT_EQ(terminations, 1);
 }
 
+TEST_F(LaunchTest, aRequestToQuitInTheMiddleOfTheLaunchIsTakenToo) {
+    duringLaunch = [] {
+        QEvent quit{QEvent::Quit};
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &quit);
+    };
+    launch();
+    settleAfter(clock, 10ms);
+
+    EXPECT_EQ(terminations, 1);
+}
+
 TEST_F(LaunchTest, closingWithoutATrayTellsOnceThatItKeepsRunning) {
     desktop.statusBar.isBarShown = false;
     launch();

@@ -2,7 +2,6 @@
 
 #include "App/Panel/StealthPanel.h"
 #include "Platform/StatusBar.h"
-#include "Platform/WindowActivation.h"
 #include "Services/Protocols/UpdaterProtocol.h"
 #include "ViewModels/SessionViewModel.h"
 
@@ -41,8 +40,7 @@ void MenuBarController::setupStatusItem(StatusBar& statusBar) {
 }
 
 void MenuBarController::showWindow() {
-    m_panel.makeKeyAndOrderFront();
-    m_activation.activateIgnoringOtherApps(m_panel, {});
+    m_panel.bringToFront(m_activation);
 }
 
 void MenuBarController::startSession() {

@@ -10,6 +10,7 @@
 #include "Base/Preferences.h"
 #include "PanelGeometry.h"
 #include "Platform/DesktopAppearance.h"
+#include "Platform/WindowActivation.h"
 #include "Views/QuickSetup.h"
 #include "Views/ViewStates.h"
 
@@ -96,6 +97,11 @@ void StealthPanel::makeKeyAndOrderFront() {
     show();
     raise();
     requestActivate();
+}
+
+void StealthPanel::bringToFront(WindowActivation& activation, const QString& activationToken) {
+    makeKeyAndOrderFront();
+    activation.activateIgnoringOtherApps(*this, activationToken);
 }
 
 void StealthPanel::orderFront() {

@@ -18,6 +18,7 @@ namespace corvellan {
 class DesktopAppearance;
 class Preferences;
 class ViewStates;
+class WindowActivation;
 struct ViewParts;
 
 /// The program's one main window. Between calls an ordinary window; in a call a borderless panel of a
@@ -56,7 +57,11 @@ public:
 
     /// Shows the window on the screen of the pointer, in front, with the keyboard.
     void makeKeyAndOrderFront();
-    /// The same, but the keyboard stays where it is.
+    /// The same from another program, as far as the desktop lets windows come forward.
+    ///
+    /// \param activationToken the desktop's proof that the user asked for it; may be empty.
+    void bringToFront(WindowActivation& activation, const QString& activationToken = {});
+    /// As `makeKeyAndOrderFront`, but the keyboard stays where it is.
     void orderFront();
 
     /// Runs `done` once, after the first frame that shows everything set until now. Not at all when the
