@@ -20,7 +20,9 @@ protected:
         return rows->data(rows->index(0), SessionListModel::sectionRole).toString();
     }
     void pass(std::chrono::nanoseconds time) { settleAfter(world.fixture.clock, time); }
-    [[nodiscard]] qsizetype timesBuilt() const { return world.fixture.debugLines().count(u"HISTORY_VIEW: records.count=1"_s); }
+    [[nodiscard]] qsizetype timesBuilt() const {
+        return world.fixture.debugLines().count(u"HISTORY_VIEW: records.count=1"_s);
+    }
 
     HistoryWorld world;
 };
