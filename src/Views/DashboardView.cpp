@@ -4,6 +4,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include "Base/Preferences.h"
 #include "Models/Types.h"
 #include "Platform/WebBrowser.h"
 #include "Theme.h"
@@ -17,19 +18,12 @@ namespace {
 
 constexpr std::array signedOutTabs{SidebarTab::home, SidebarTab::settings};
 
-/// Those that lead to a screen.
-constexpr std::array builtTabs{SidebarTab::home,    SidebarTab::calendar, SidebarTab::train,
-                               SidebarTab::history, SidebarTab::memory,   SidebarTab::settings};
-
-bool isBuilt(SidebarTab tab) {
-    return std::ranges::find(builtTabs, tab) != builtTabs.end();
-}
-
 }  // namespace
 
 DashboardView::DashboardView(Parts parts, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
+      m_showOnboarding(!m_parts.preferences.boolean(u"onboardingCompleted"_s).value_or(false)),
       m_hadSummary(m_parts.session.lastSummary().has_value()),
       m_modes({"symbol", "label", "accent", "isSelected"}, static_cast<int>(audienceTypeRows.size())) {
     const SessionViewModel* const session = &m_parts.session;
@@ -39,6 +33,7 @@ DashboardView::DashboardView(Parts parts, QObject* parent)
     connect(session, &SessionViewModel::sessionModeChanged, this, &DashboardView::surfaceChanged);
     connect(&m_parts.theme, &Theme::schemeChanged, this, &DashboardView::surfaceChanged);
     connect(session, &SessionViewModel::userEmailChanged, this, &DashboardView::visibleTabsChanged);
+    connect(session, &SessionViewModel::userEmailChanged, this, &DashboardView::faceChanged);
     connect(session, &SessionViewModel::serverURLChanged, this, &DashboardView::visibleTabsChanged);
     connect(session, &SessionViewModel::coachingModeChanged, this, &DashboardView::updateModes);
     connect(session, &SessionViewModel::updateAvailableChanged, this, &DashboardView::updateChanged);
@@ -48,7 +43,14 @@ DashboardView::DashboardView(Parts parts, QObject* parent)
 }
 
 QString DashboardView::face() const {
-    return m_parts.session.isSessionActive() ? u"session"_s : u"main"_s;
+    if (m_parts.session.isSessionActive())
+        return u"session"_s;
+    return m_showOnboarding && m_parts.session.userEmail() ? u"onboarding"_s : u"main"_s;
+}
+
+void DashboardView::completeOnboarding() {
+    m_showOnboarding = false;
+    Q_EMIT faceChanged();
 }
 
 QColor DashboardView::surfaceColor() const {
@@ -75,8 +77,7 @@ void DashboardView::select(SidebarTab tab) {
 std::vector<SidebarTab> DashboardView::visibleTabs() const {
     std::vector<SidebarTab> tabs;
     for (const SidebarTabRow& row : sidebarTabRows)
-        if (isBuilt(row.value) &&
-            (isOpenToUser() || std::ranges::find(signedOutTabs, row.value) != signedOutTabs.end()))
+        if (isOpenToUser() || std::ranges::find(signedOutTabs, row.value) != signedOutTabs.end())
             tabs.push_back(row.value);
     return tabs;
 }
@@ -161,9 +162,8 @@ void DashboardView::followRequest() {
     if (!request || request->isEmpty())
         return;
     (*request)[0] = request->at(0).toUpper();
-    const auto row = std::ranges::find_if(sidebarTabRows, [&](const SidebarTabRow& candidate) {
-        return isBuilt(candidate.value) && *request == tableText(candidate.title);
-    });
+    const auto row = std::ranges::find_if(
+        sidebarTabRows, [&](const SidebarTabRow& candidate) { return *request == tableText(candidate.title); });
     if (row == sidebarTabRows.end())
         return;
     select(row->value);
@@ -172,7 +172,7 @@ void DashboardView::followRequest() {
 
 void DashboardView::followSummary() {
     const bool hasSummary = m_parts.session.lastSummary().has_value();
-    if (hasSummary && !m_hadSummary && isBuilt(SidebarTab::history))
+    if (hasSummary && !m_hadSummary)
         select(SidebarTab::history);
     m_hadSummary = hasSummary;
 }

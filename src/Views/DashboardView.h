@@ -14,6 +14,7 @@
 
 namespace corvellan {
 
+class Preferences;
 class SessionViewModel;
 class Theme;
 class WebBrowser;
@@ -72,6 +73,7 @@ public:
     struct Parts {
         SessionViewModel& session;
         const Theme& theme;
+        const Preferences& preferences;
         WebBrowser& browser;
         QString chatUrl;  ///< Where people open the chat back-end.
         QString version;  ///< The short version string; may be empty.
@@ -83,6 +85,10 @@ public:
     /// Opaque between calls; in a call black at 90 %, at 60 % while stealth is on.
     [[nodiscard]] QColor surfaceColor() const;
     [[nodiscard]] int surfaceRadius() const;
+
+    /// Nobody has gone through it yet. It waits for a user who is signed in.
+    [[nodiscard]] bool showOnboarding() const { return m_showOnboarding; }
+    void completeOnboarding();
 
     [[nodiscard]] SidebarTab selectedTab() const { return m_selectedTab; }
     void select(SidebarTab tab);
@@ -123,6 +129,7 @@ private:
 
     Parts m_parts;
     SidebarTab m_selectedTab = SidebarTab::home;
+    bool m_showOnboarding;
     bool m_hadSummary = false;
     FixedRowsModel m_modes;
 };

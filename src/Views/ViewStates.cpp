@@ -12,6 +12,7 @@ ViewStates::ViewStates(const ViewParts& parts, StealthView::AfterNextFrame after
     : QObject(parent),
       m_dashboard({.session = parts.session,
                    .theme = m_theme,
+                   .preferences = parts.preferences,
                    .browser = parts.settings.browser,
                    .chatUrl = parts.settings.chatUrl,
                    .version = parts.settings.version}),
@@ -30,6 +31,11 @@ ViewStates::ViewStates(const ViewParts& parts, StealthView::AfterNextFrame after
                             .browser = parts.settings.browser,
                             .reportFolder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}}),
       m_memory(parts.session.environment().clock, parts.memoryFile),
+      m_onboarding({.viewModel = parts.session,
+                    .preferences = parts.preferences,
+                    .permissions = parts.settings.permissions,
+                    .systemSettings = parts.settings.systemSettings,
+                    .onComplete = [this] { m_dashboard.completeOnboarding(); }}),
       m_settings(parts.session, parts.preferences, parts.settings),
       m_stealth(parts.session, parts.captureHiding, parts.selfTest, std::move(afterNextFrame)) {
     connect(&m_home, &HomeView::historyRequested, &m_dashboard, [this] {

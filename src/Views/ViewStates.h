@@ -6,9 +6,11 @@
 #include "CalendarView.h"
 #include "CoachingOverlayView.h"
 #include "DashboardView.h"
+#include "GuideView.h"
 #include "HomeView.h"
 #include "LiveSessionView.h"
 #include "MemoryView.h"
+#include "OnboardingView.h"
 #include "SessionHistoryView.h"
 #include "SettingsView.h"
 #include "StealthView.h"
@@ -32,6 +34,8 @@ class ViewStates : public QObject {
     Q_PROPERTY(corvellan::ScenarioPickerView* training READ training CONSTANT)
     Q_PROPERTY(corvellan::SessionHistoryView* history READ history CONSTANT)
     Q_PROPERTY(corvellan::MemoryView* memory READ memory CONSTANT)
+    Q_PROPERTY(corvellan::GuideView* guide READ guide CONSTANT)
+    Q_PROPERTY(corvellan::OnboardingView* onboarding READ onboarding CONSTANT)
     Q_PROPERTY(corvellan::SettingsView* settings READ settings CONSTANT)
     Q_PROPERTY(corvellan::StealthView* stealth READ stealth CONSTANT)
     Q_PROPERTY(corvellan::Theme* theme READ theme CONSTANT)
@@ -51,6 +55,8 @@ public:
     [[nodiscard]] ScenarioPickerView* training() { return &m_training; }
     [[nodiscard]] SessionHistoryView* history() { return &m_history; }
     [[nodiscard]] MemoryView* memory() { return &m_memory; }
+    [[nodiscard]] GuideView* guide() { return &m_guide; }
+    [[nodiscard]] OnboardingView* onboarding() { return &m_onboarding; }
     [[nodiscard]] SettingsView* settings() { return &m_settings; }
     [[nodiscard]] StealthView* stealth() { return &m_stealth; }
     [[nodiscard]] Theme* theme() { return &m_theme; }
@@ -67,6 +73,8 @@ private:
     ScenarioPickerView m_training;
     SessionHistoryView m_history;
     MemoryView m_memory;
+    GuideView m_guide;
+    OnboardingView m_onboarding;
     SettingsView m_settings;
     StealthView m_stealth;
 };

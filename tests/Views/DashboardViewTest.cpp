@@ -22,6 +22,7 @@ protected:
         if (!m_view)
             m_view = std::make_unique<DashboardView>(DashboardView::Parts{.session = session(),
                                                                           .theme = theme,
+                                                                          .preferences = fixture.preferences,
                                                                           .browser = desktop.browser,
                                                                           .chatUrl = u"https://chat.test"_s,
                                                                           .version = version});
@@ -59,6 +60,57 @@ TEST_F(DashboardViewTest, aRunningSessionTakesTheWindow) {
     settle();
     EXPECT_EQ(view().face(), u"main"_s);
     EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(DashboardViewTest, theOnboardingWaitsForAUserWhoIsSignedIn) {
+    useProductionServer();
+    EXPECT_TRUE(view().showOnboarding());
+    EXPECT_EQ(view().face(), u"main"_s);
+    QSignalSpy changes{&view(), &DashboardView::faceChanged};
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(view().face(), u"onboarding"_s);
+    session().setUserEmail(std::nullopt);
+    EXPECT_EQ(view().face(), u"main"_s);
+}
+
+TEST_F(DashboardViewTest, onALocalServerNobodyIsOnboardedWithoutSigningIn) {
+    useLocalServer();
+    EXPECT_TRUE(view().isOpenToUser());
+    EXPECT_EQ(view().face(), u"main"_s);
+}
+
+TEST_F(DashboardViewTest, whoWasOnboardedIsNotOnboardedAgain) {
+    fixture.preferences.setBoolean(u"onboardingCompleted"_s, true);
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    EXPECT_FALSE(view().showOnboarding());
+    EXPECT_EQ(view().face(), u"main"_s);
+}
+
+TEST_F(DashboardViewTest, aStoredFalseStillAsksForTheOnboarding) {
+    fixture.preferences.setBoolean(u"onboardingCompleted"_s, false);
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    EXPECT_EQ(view().face(), u"onboarding"_s);
+}
+
+TEST_F(DashboardViewTest, theOnboardingsEndLeadsToTheMainLayout) {
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    ASSERT_EQ(view().face(), u"onboarding"_s);
+    QSignalSpy changes{&view(), &DashboardView::faceChanged};
+    view().completeOnboarding();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(view().face(), u"main"_s);
+}
+
+TEST_F(DashboardViewTest, aSessionComesBeforeTheOnboarding) {
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    view();
+    session().startSession();
+    settle();
+    EXPECT_EQ(view().face(), u"session"_s);
+    session().stopSession();
+    settle();
+    EXPECT_EQ(view().face(), u"onboarding"_s);
 }
 
 TEST_F(DashboardViewTest, theIdleSurfaceIsOpaqueAndSquare) {
@@ -99,6 +151,15 @@ TEST_F(DashboardViewTest, signedOutOnAProductionServerThereAreHomeSettingsAndLog
     EXPECT_FALSE(view().isOpenToUser());
     EXPECT_TRUE(view().canLogin());
     EXPECT_EQ(view().sidebarUsername(), QString{});
+}
+
+TEST_F(DashboardViewTest, whoeverIsSignedInOrNeedNotBeSeesAllSevenTabs) {
+    const QStringList all{u"Home"_s, u"Calendar"_s, u"Train"_s, u"History"_s, u"Memory"_s, u"Guide"_s, u"Settings"_s};
+    useLocalServer();
+    EXPECT_EQ(titles(), all);
+    useProductionServer();
+    session().setUserEmail(u"sandra@nordwind.example"_s);
+    EXPECT_EQ(titles(), all);
 }
 
 TEST_F(DashboardViewTest, onALocalServerThereIsNoAccount) {
@@ -210,6 +271,13 @@ TEST_F(DashboardViewTest, requestingMemorySelectsTheMemoryTab) {
     view();
     session().setRequestedTab(u"memory"_s);
     EXPECT_EQ(view().selectedTab(), SidebarTab::memory);
+    EXPECT_FALSE(session().requestedTab());
+}
+
+TEST_F(DashboardViewTest, requestingTheGuideSelectsItsTab) {
+    view();
+    session().setRequestedTab(u"guide"_s);
+    EXPECT_EQ(view().selectedTab(), SidebarTab::guide);
     EXPECT_FALSE(session().requestedTab());
 }
 

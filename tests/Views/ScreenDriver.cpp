@@ -23,8 +23,19 @@ std::string word(const QString& text) {
 }  // namespace
 
 struct ScreenDriver::World {
+    /// The view states read its preferences as they are made.
+    struct Session : SessionFixture {
+        explicit Session(bool isOnboarded) {
+            if (isOnboarded)
+                preferences.setBoolean(QStringLiteral("onboardingCompleted"), true);
+        }
+    };
+
+    /// \param isOnboarded the user has gone through the onboarding.
+    explicit World(bool isOnboarded = true) : fixture(isOnboarded) {}
+
     FakeUpdater updater;
-    SessionFixture fixture;
+    Session fixture;
     FakeHandoffWindow handoffWindow;
     SettingsFixture desktop{fixture.preferences};
     FakeDesktopHiding hiding;
@@ -53,6 +64,12 @@ SessionViewModel& ScreenDriver::session() {
 
 void ScreenDriver::reset() {
     m_world = std::make_unique<World>();
+    Q_EMIT madeAnew();
+}
+
+void ScreenDriver::resetAsNewUser(const QString& email) {
+    m_world = std::make_unique<World>(false);
+    setUser(email);
     Q_EMIT madeAnew();
 }
 
@@ -180,6 +197,10 @@ void ScreenDriver::setPermissions(const QString& microphone, bool canSeeScreen) 
         source.contentFailure.reset();
     else
         source.contentFailure = TransportError{QStringLiteral("refused")};
+}
+
+void ScreenDriver::setMicrophoneAnswer(bool isGranted) {
+    m_world->desktop.desktop.permissions.isMicrophoneGranted = isGranted;
 }
 
 void ScreenDriver::setNotifications(const QString& authorization) {

@@ -28,6 +28,8 @@ public:
 
     /// Forgets everything; call before the screens of a test are made.
     Q_INVOKABLE void reset();
+    /// The same, but for a user who has just signed in for the first time.
+    Q_INVOKABLE void resetAsNewUser(const QString& email);
     Q_INVOKABLE void startCall(const QString& company);
     /// From now on a start gets no further than connecting.
     Q_INVOKABLE void holdConnecting();
@@ -63,6 +65,8 @@ public:
     Q_INVOKABLE void setKeyWatch(bool isWatching, const QString& explanation);
     /// What the desktop answers from now on: "authorized", "denied" or "not determined".
     Q_INVOKABLE void setPermissions(const QString& microphone, bool canSeeScreen);
+    /// What comes of asking for the microphone.
+    Q_INVOKABLE void setMicrophoneAnswer(bool isGranted);
     Q_INVOKABLE void setNotifications(const QString& authorization);
     Q_INVOKABLE void refuseLoginItems();
     Q_INVOKABLE void setLoginItem(bool isRegistered);

@@ -38,6 +38,8 @@ struct ScreenshotState {
     int pages = 0;
     /// The tab that is open; absent leaves the home screen.
     std::optional<QString> tab = std::nullopt;
+    /// In place of the main layout, the onboarding at a step, from 0.
+    std::optional<int> onboardingStep = std::nullopt;
     /// What the file of the user's note holds.
     std::optional<QString> note = std::nullopt;
     /// How long the screen has been open.

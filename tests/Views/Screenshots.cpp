@@ -79,7 +79,7 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     FakeStore store;
     SessionFixture fixture;
     fixture.preferences.setNumber(u"fontScale"_s, state.fontScale);
-    fixture.preferences.setBoolean(u"onboardingCompleted"_s, true);
+    fixture.preferences.setBoolean(u"onboardingCompleted"_s, !state.onboardingStep);
     fixture.auth->accessToken = u"token"_s;
     fixture.http.answer(200, "[]");
     SessionViewModel& session = fixture.session();
@@ -119,12 +119,16 @@ bool take(const ScreenshotState& state, const QDir& folder) {
         session.setRequestedTab(*state.tab);
     if (state.arrange)
         state.arrange({.fixture = fixture, .store = store, .settings = settings, .panel = panel});
+    for (int step = 0; step < state.onboardingStep.value_or(0); ++step)
+        panel.views().onboarding()->next();
     if (state.size)
         panel.resize(*state.size);
-    const auto press = [&panel](Qt::Key key, int times) {
+    // A press at the instant of a release would be a key that is held.
+    auto press = [&panel, instant = quint64{0}](Qt::Key key, int times) mutable {
         for (int i = 0; i < times; ++i)
             for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
                 QKeyEvent event{type, key, Qt::NoModifier};
+                event.setTimestamp(++instant);
                 QCoreApplication::sendEvent(&panel, &event);
             }
     };

@@ -27,6 +27,9 @@ FocusScope {
         case "memory":
             detail.setSource("MemoryScreen.qml", { memory: views.memory, theme: theme });
             break;
+        case "guide":
+            detail.setSource("GuideScreen.qml", { guide: views.guide, stealth: views.stealth, theme: theme });
+            break;
         case "settings":
             detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
             break;

@@ -36,7 +36,8 @@ Item {
     }
 
     function showFace() {
-        face.setSource(shownFace === "session" ? "SessionScreen.qml" : "DashboardScreen.qml", { views: views });
+        const screens = { session: "SessionScreen.qml", onboarding: "OnboardingScreen.qml" };
+        face.setSource(screens[shownFace] ?? "DashboardScreen.qml", { views: views });
     }
 
     Component.onCompleted: showFace()

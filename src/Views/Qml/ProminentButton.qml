@@ -7,6 +7,7 @@ PressButton {
     id: root
 
     required property Theme theme
+    /// Empty for none.
     required property string symbol
     property color color: theme.green
 
@@ -21,6 +22,7 @@ PressButton {
 
         IconLabel {
             theme: root.theme
+            visible: root.symbol.length > 0
             symbol: root.symbol
             size: 16
             color: root.theme.prominentText

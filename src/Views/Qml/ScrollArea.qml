@@ -56,16 +56,16 @@ Item {
         }
     }
 
-    Keys.onUpPressed: scrollBy(-24)
-    Keys.onDownPressed: scrollBy(24)
-    Keys.onPressed: event => {
-        const step = event.key === Qt.Key_PageDown ? height : event.key === Qt.Key_PageUp ? -height
-                   : event.key === Qt.Key_End ? contentHeight : event.key === Qt.Key_Home ? -contentHeight : 0;
-        if (step === 0)
-            return;
+    /// False for a key that scrolls nothing.
+    function scrollByKey(key: int): bool {
+        const step = key === Qt.Key_Up ? -24 : key === Qt.Key_Down ? 24
+                   : key === Qt.Key_PageDown ? height : key === Qt.Key_PageUp ? -height
+                   : key === Qt.Key_End ? contentHeight : key === Qt.Key_Home ? -contentHeight : 0;
         scrollBy(step);
-        event.accepted = true;
+        return step !== 0;
     }
+
+    Keys.onPressed: event => event.accepted = scrollByKey(event.key)
     onIsOverflowingChanged: scrollBy(0)
     onHeightChanged: scrollBy(0)
     onContentHeightChanged: scrollBy(0)

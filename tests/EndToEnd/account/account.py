@@ -1,5 +1,5 @@
-"""Signs in with a real browser, starts a call from a meeting, rates it, and looks for the rating on the server.
-Then lets the browser extension begin a call and end it.
+"""Signs in with a real browser, goes through the onboarding, starts a call from a meeting, rates it, and looks for
+the rating on the server. Then lets the browser extension begin a call and end it.
 
 Expects the private surroundings that `run` brings up.
 """
@@ -13,13 +13,12 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
-from signedin import SignedIn  # noqa: E402
+from signedin import SIGN_OUT, SIGNED_IN, SignedIn  # noqa: E402
 from walk import KEPT_AFTER_SECONDS, Wrong, expect, wait_for, walk  # noqa: E402
 
 
 class Account(SignedIn):
     def start_program(self):
-        self.preset("onboardingCompleted=true")
         self.launch()
         self.wait_for_name("Login")
 
@@ -33,6 +32,22 @@ class Account(SignedIn):
             raise Wrong("the server answers without a token")
         except urllib.error.HTTPError as refusal:
             expect("the server's answer without a token", refusal.code, 401)
+
+    def the_onboarding_leads_to_the_main_layout(self):
+        self.wait_for_name(SIGNED_IN)
+        expect("the sidebar beside the onboarding", SIGN_OUT in self.program.names(), False)
+        for step in range(1, 5):
+            self.wait_for_name(f"{step} of 5")
+            self.press("Next")
+        self.wait_for_name("5 of 5")
+        # Both devices are there, and the program may take pictures of this display.
+        for permission in ("Microphone", "Screen Recording"):
+            self.wait_for_name(f"{permission}: granted")
+        names = self.program.names()
+        expect("what the last step offers", [name for name in ("Skip", "Next") if name in names], [])
+        self.press("Get Started")
+        self.wait_for_name(SIGN_OUT)
+        wait_for("a word that it is done", 10, lambda: "onboardingCompleted=true" in self.settings.read_text())
 
     def meetings_are_listed(self):
         self.press("Calendar")
@@ -98,6 +113,7 @@ class Account(SignedIn):
             self.start_program,
             self.nobody_is_signed_in,
             self.sign_in_through_the_browser,
+            self.the_onboarding_leads_to_the_main_layout,
             self.meetings_are_listed,
             self.a_call_starts_from_one,
             self.the_history_shows_it_and_takes_a_rating,

@@ -134,6 +134,22 @@ TestCase {
         check(screen);
     }
 
+    function test_onboarding_data() {
+        const rows = [];
+        for (let step = 0; step < 5; ++step)
+            rows.push({ tag: "step " + (step + 1), step: step });
+        return rows;
+    }
+
+    function test_onboarding(data) {
+        driver.resetAsNewUser("kim@fernhill.example");
+        driver.setPermissions("denied", false);
+        const screen = make(mainContent);
+        for (let i = 0; i < data.step; ++i)
+            driver.views.onboarding.next();
+        check(screen);
+    }
+
     // A call
 
     function test_aCall_data() {
