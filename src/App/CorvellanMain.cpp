@@ -30,7 +30,7 @@
 #include "Platform/Linux/PulseAudioInputs.h"
 #include "Platform/Linux/Screenshots/MakeScreenCaptures.h"
 #include "Platform/Linux/Screenshots/MakeScreenPictures.h"
-#include "Platform/Linux/Speech/EspeakSynthesizer.h"
+#include "Platform/Linux/Speech/DesktopSpeech.h"
 #include "Platform/OwnSpeech.h"
 #include "ProgramObject.h"
 #include "Services/Auth/TokenFile.h"
@@ -82,9 +82,9 @@ struct RealParts {
     PulseAudioInputs audioInputs{clock, ownSpeech};
     DesktopNotifications notifications{bus};
     SpeechNotice speechNotice{notifications};
-    EspeakSynthesizer speechSynthesizer{clock, ownSpeech, [this](SpeechFailure failure) {
-                                            main.post([this, failure] { speechNotice.tell(failure); });
-                                        }};
+    DesktopSpeech speechSynthesizer{clock, ownSpeech, [this](SpeechFailure failure) {
+                                        main.post([this, failure] { speechNotice.tell(failure); });
+                                    }};
     HttpClient http{network.executor(), clock};
     BriefingService briefings{http, deployment::chatUrl(), debugLog};
     XdgWebBrowser browser{clock};

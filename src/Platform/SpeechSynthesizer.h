@@ -59,8 +59,8 @@ public:
     /// speakable at all. To be set once, before the first `speak`.
     virtual void setOnUtteranceEnded(std::function<void()> callback) = 0;
 
-    /// Answers once, within 5 seconds, with nothing where nothing speaks. The first call may take a
-    /// second, and gets the engine ready.
+    /// Answers once, within 20 seconds, with nothing where nothing speaks. The first call may take some
+    /// seconds, and gets the engine ready.
     virtual void readVoices(std::function<void(Voices)> onRead) = 0;
 
     /// Queues an utterance behind those that were handed over before.

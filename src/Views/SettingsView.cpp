@@ -374,7 +374,7 @@ QString SettingsView::voiceText() {
 QString SettingsView::voiceCaption() {
     return isMac()
                ? u"System Settings → Accessibility → Spoken Content → Manage Voices"_s
-               : u"espeak-ng speaks; MBROLA voices come first where they are installed. Without it, replies are only shown."_s;
+               : u"Speech Dispatcher speaks where it is set up, else espeak-ng. With neither, replies are only shown."_s;
 }
 
 // MARK: - Permissions

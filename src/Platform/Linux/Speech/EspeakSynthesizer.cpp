@@ -133,8 +133,9 @@ std::vector<std::string> EspeakSynthesizer::commandFor(const SpeechUtterance& ut
     if (!utterance.voice)
         return command;
     const auto voice = std::ranges::find(m_voices, *utterance.voice, &EspeakVoice::voice);
-    if (voice != m_voices.end())
-        command.insert(command.end(), {"-v", voice->identifier.toStdString()});
+    // Another engine's voice, which has failed, or the language's own.
+    const QString identifier = voice != m_voices.end() ? voice->identifier : u"en-us"_s;
+    command.insert(command.end(), {"-v", identifier.toStdString()});
     return command;
 }
 

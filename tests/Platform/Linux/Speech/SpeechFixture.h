@@ -105,10 +105,12 @@ protected:
             const std::scoped_lock lock{mutex};
             voices = std::move(read);
         });
-        const bool isRead = spinUntil([&] {
-            const std::scoped_lock lock{mutex};
-            return voices.has_value();
-        });
+        const bool isRead = spinUntil(
+            [&] {
+                const std::scoped_lock lock{mutex};
+                return voices.has_value();
+            },
+            std::chrono::seconds{30});
         if (!isRead)
             throw std::runtime_error("the voices were not read");
         return *voices;
