@@ -119,7 +119,7 @@ TEST_F(EmbeddedTrayTest, theContextClickOpensTheMenuWhoseKeysWork) {
 
     simulate({"key", "t"});
 
-    EXPECT_TRUE(spinUntil([&] { return fixture.session().requestedTab() == u"train"_s; }));
+    EXPECT_TRUE(spinUntil([&] { return openTab() == SidebarTab::train; }));
     EXPECT_TRUE(spinUntil([&] { return panel.isExposed() && !openMenu(); }));
 }
 

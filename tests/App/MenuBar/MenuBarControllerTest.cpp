@@ -132,11 +132,11 @@ TEST_F(MenuBarControllerTest, startSessionInACallOnlyShowsTheWindow) {
     EXPECT_EQ(fixture.ws->sent.size(), sent);
 }
 
-TEST_F(MenuBarControllerTest, startTrainingStartsNoSessionAndOnlyRequestsTheTab) {
+TEST_F(MenuBarControllerTest, startTrainingStartsNoSessionAndOnlyOpensTheTab) {
     press(u"Start Training"_s);
     settle();
 
-    EXPECT_EQ(fixture.session().requestedTab(), u"train"_s);
+    EXPECT_EQ(openTab(), SidebarTab::train);
     EXPECT_TRUE(panel.isVisible());
     EXPECT_EQ(desktop.activation.activations.size(), 1U);
     EXPECT_EQ(fixture.session().statusText(), u"Ready"_s);

@@ -5,6 +5,7 @@
 #include "App/MenuBar/MenuBarController.h"
 #include "App/Panel/PanelFixture.h"
 #include "Support/FakeDesktop.h"
+#include "Views/ViewStates.h"
 
 namespace corvellan::test {
 
@@ -23,6 +24,9 @@ protected:
     FakeUpdater updater;
     int terminations = 0;
     std::optional<MenuBarController> controller;
+
+    /// The tab that the window shows or will show.
+    [[nodiscard]] SidebarTab openTab() { return panel.views().dashboard()->selectedTab(); }
 };
 
 }  // namespace corvellan::test

@@ -127,7 +127,7 @@ TEST_F(NotifierTrayTest, everyRowDoesItsWork) {
 
     panel.close();
     item->press(u"Start Training"_s);
-    EXPECT_TRUE(spinUntil([&] { return fixture.session().requestedTab() == u"train"_s; }));
+    EXPECT_TRUE(spinUntil([&] { return openTab() == SidebarTab::train; }));
     EXPECT_TRUE(panel.isVisible());
 
     item->press(u"Start Session"_s);
