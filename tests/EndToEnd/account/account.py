@@ -84,9 +84,8 @@ class Account(SignedIn):
     def the_rating_is_on_the_server(self):
         token = self.tokens()["access_token"]
         calls = self.ask_server("/calls", token)
-        calls = calls["calls"] if isinstance(calls, dict) else calls
         expect("calls on the server", len(calls), 1)
-        number = calls[0].get("call_id") or calls[0].get("id")
+        number = calls[0]["id"]
         wait_for("the rating", 20, lambda: self.ratings(number, token))
         expect("the ratings", self.ratings(number, token), [1])
 
