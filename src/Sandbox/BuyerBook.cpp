@@ -1,9 +1,8 @@
 #include "BuyerBook.h"
 
 #include <algorithm>
-#include <QFile>
 
-#include "EntryReader.h"
+#include "DataFile.h"
 #include "Models/Briefing.h"
 
 namespace corvellan::sandbox {
@@ -31,28 +30,18 @@ BuyerFact readFact(EntryReader& parent, const QString& key) {
 }  // namespace
 
 BuyerBook BuyerBook::shipped() {
-    auto book = load(u":/sandbox/buyers.json"_s);
-    // A test reads it too; a build with a broken one is of no use.
-    if (!book)
-        qFatal("buyers.json: %s", qPrintable(book.error()));
-    return std::move(*book);
+    return shippedBook<BuyerBook>(u"buyers.json"_s);
 }
 
 std::expected<BuyerBook, QString> BuyerBook::load(const QString& path) {
-    QFile file{path};
-    if (!file.open(QIODevice::ReadOnly))
-        return Bad{u"cannot read it: %1"_s.arg(file.errorString())};
-    return parse(file.read(longestFile + 1));
+    return loadBook<BuyerBook>(path);
 }
 
 std::expected<BuyerBook, QString> BuyerBook::parse(const QByteArray& json) {
-    if (json.size() > longestFile)
-        return Bad{u"it is longer than 4 MiB"_s};
-    QJsonParseError problem;
-    const auto document = QJsonDocument::fromJson(json, &problem);
-    if (problem.error != QJsonParseError::NoError)
-        return Bad{u"at byte %1: %2"_s.arg(problem.offset).arg(problem.errorString())};
-    EntryReader root{document.isObject() ? QJsonValue{document.object()} : QJsonValue{}, u"the file"_s};
+    auto top = parseDataFile(json);
+    if (!top)
+        return Bad{top.error()};
+    EntryReader& root = *top;
     const auto personalities = root.array(u"personalities"_s);
     const auto scenarios = root.array(u"scenarios"_s);
     if (scenarios.isEmpty())

@@ -62,8 +62,6 @@ struct BuyerPersonality {
 /// The buyers that training can be held with, read from one file. One thread.
 class BuyerBook {
 public:
-    static constexpr qsizetype longestFile = 4 * 1024 * 1024;
-
     /// The one that comes along.
     [[nodiscard]] static BuyerBook shipped();
     /// There is a personality for each of the four types, and at least one scenario. The error is a sentence that

@@ -4,12 +4,11 @@
 #include <functional>
 #include <map>
 #include <QDate>
-#include <QFile>
 #include <QJsonDocument>
 #include <QRegularExpression>
 
 #include "Base/Iso8601.h"
-#include "EntryReader.h"
+#include "DataFile.h"
 #include "Models/Types.h"
 
 namespace corvellan::sandbox {
@@ -108,28 +107,18 @@ QJsonObject Customer::matchWith(double confidence) const {
 // MARK: - Reading
 
 CustomerBook CustomerBook::shipped() {
-    auto book = load(u":/sandbox/customers.json"_s);
-    // A test reads it too; a build with a broken one is of no use.
-    if (!book)
-        qFatal("%s", qPrintable(book.error()));
-    return std::move(*book);
+    return shippedBook<CustomerBook>(u"customers.json"_s);
 }
 
 std::expected<CustomerBook, QString> CustomerBook::load(const QString& path) {
-    QFile file{path};
-    if (!file.open(QIODevice::ReadOnly))
-        return Bad{u"cannot read it: %1"_s.arg(file.errorString())};
-    return parse(file.read(longestFile + 1));
+    return loadBook<CustomerBook>(path);
 }
 
 std::expected<CustomerBook, QString> CustomerBook::parse(const QByteArray& json) {
-    if (json.size() > longestFile)
-        return Bad{u"it is longer than 4 MiB"_s};
-    QJsonParseError problem;
-    const auto document = QJsonDocument::fromJson(json, &problem);
-    if (problem.error != QJsonParseError::NoError)
-        return Bad{u"at byte %1: %2"_s.arg(problem.offset).arg(problem.errorString())};
-    EntryReader root{document.isObject() ? QJsonValue{document.object()} : QJsonValue{}, u"the file"_s};
+    auto top = parseDataFile(json);
+    if (!top)
+        return Bad{top.error()};
+    EntryReader& root = *top;
     const auto customers = root.array(u"customers"_s);
     const auto meetings = root.array(u"meetings"_s);
     if (root.problem())

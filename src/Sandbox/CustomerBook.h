@@ -60,8 +60,6 @@ struct PlannedMeeting {
 /// What the back-end knows of customers and meetings, read from one file. One thread.
 class CustomerBook {
 public:
-    static constexpr qsizetype longestFile = 4 * 1024 * 1024;
-
     /// The one that comes along.
     [[nodiscard]] static CustomerBook shipped();
     /// Everything that goes out later decodes as what it stands for. The error is a sentence that names the

@@ -1,4 +1,5 @@
 #include "Sandbox/BuyerBook.h"
+#include "Sandbox/DataFile.h"
 
 #include <gtest/gtest.h>
 
@@ -115,7 +116,7 @@ TEST(BuyerBookTest, whatIsNoJsonIsRefused) {
         ASSERT_FALSE(book);
         EXPECT_FALSE(book.error().isEmpty());
     }
-    EXPECT_FALSE(BuyerBook::parse(QByteArray(BuyerBook::longestFile + 1, ' ')));
+    EXPECT_FALSE(BuyerBook::parse(QByteArray(sandbox::longestDataFile + 1, ' ')));
     EXPECT_TRUE(BuyerBook::load(u"/nowhere/buyers.json"_s).error().startsWith(u"cannot read it"_s));
 }
 
