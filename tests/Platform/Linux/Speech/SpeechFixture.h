@@ -4,9 +4,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Base/Clock.h"
@@ -129,6 +131,40 @@ protected:
 
     bool waitForEnds(int count) {
         return spinUntil([&] { return ended >= count; }, std::chrono::seconds{30});
+    }
+
+    // What holds for every engine.
+
+    /// Hands over two utterances that take their time; returns while the first is heard.
+    void speakTwoLongOnes(SpeechSynthesizer& synthesizer, const SpeechUtterance& utterance) {
+        synthesizer.speak(utterance);
+        synthesizer.speak(utterance);
+        ASSERT_TRUE(spinUntil([&] { return heard.wasAudible(); }));
+    }
+
+    /// The two are cancelled, each once, and nothing more of them is heard.
+    void expectSilenceSoonAfter(std::chrono::steady_clock::time_point stop) {
+        ASSERT_TRUE(waitForEnds(2));
+        ASSERT_TRUE(waitForBlocks(heard, 100));
+        const auto after = *heard.lastAudible() - stop;
+        EXPECT_LT(after, std::chrono::milliseconds{500});
+        EXPECT_EQ(ended, 2) << "each once";
+        tell("silent", after);
+    }
+
+    /// It can speak again.
+    void expectToBeHeard(SpeechSynthesizer& synthesizer, const SpeechUtterance& utterance) {
+        const int before = ended;
+        heard.clear();
+        synthesizer.speak(utterance);
+        EXPECT_TRUE(waitForEnds(before + 1));
+        EXPECT_TRUE(heard.wasAudible());
+    }
+
+    /// A figure for whoever reads the test's output.
+    static void tell(const char* what, std::chrono::steady_clock::duration after) {
+        RecordProperty(std::string{what} + "_after_milliseconds", std::to_string(milliseconds(after)));
+        std::printf("%s after %.0f ms\n", what, milliseconds(after));
     }
 
     static double milliseconds(std::chrono::steady_clock::duration duration) {

@@ -155,7 +155,7 @@ TEST_P(SpeechInSessionTest, skippingTheVoiceSilencesItAndTheUserIsHeardAtOnce) {
     ASSERT_TRUE(spinUntil([&] { return appends() > before; }));
     ASSERT_TRUE(waitForBlocks(heard, 100));
     EXPECT_LT(*heard.lastAudible() - skip, 500ms);
-    std::printf("silent after %.0f ms\n", milliseconds(*heard.lastAudible() - skip));
+    tell("silent", *heard.lastAudible() - skip);
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, SpeechInSessionTest, testing::Bool(),
