@@ -1,5 +1,7 @@
 #include "BuyerVoice.h"
 
+#include <utility>
+
 #include "Later.h"
 
 namespace corvellan::sandbox {
@@ -52,6 +54,10 @@ void BuyerVoice::sayNext() {
         if (generation == m_generation)
             sayNext();
     });
+    if (endsSentence(token)) {
+        const qsizetype begin = std::exchange(m_sentence, m_next);
+        m_listener.onSentence(m_tokens.sliced(begin, m_next - begin).join(QString{}).trimmed());
+    }
     m_listener.onToken(token);
 }
 
@@ -71,6 +77,7 @@ void BuyerVoice::silence() {
     ++m_generation;
     m_tokens.clear();
     m_next = 0;
+    m_sentence = 0;
 }
 
 }  // namespace corvellan::sandbox

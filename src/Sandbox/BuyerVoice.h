@@ -19,9 +19,11 @@ public:
         std::chrono::milliseconds think{0};  ///< Before the first word.
         std::chrono::milliseconds word{0};   ///< From word to word; between sentences three times as long.
     };
-    /// Both are called from within `speak`, `cutShort` and the clock's calls.
+    /// All are called from within `speak`, `cutShort` and the clock's calls.
     struct Listener {
         std::function<void(const QString& token)> onToken;
+        /// Together with its last word.
+        std::function<void(const QString& sentence)> onSentence;
         /// \param said the text up to where it came.
         /// \param latency from `speak` to the first word.
         std::function<void(const QString& said, std::chrono::milliseconds latency)> onDone;
@@ -44,6 +46,7 @@ private:
     Listener m_listener;
     QStringList m_tokens;
     qsizetype m_next = 0;
+    qsizetype m_sentence = 0;  ///< The token that begins the sentence at hand.
     Pace m_pace;
     MonotonicTime m_askedAt;
     std::chrono::milliseconds m_latency{0};

@@ -166,6 +166,7 @@ void CoachConnection::train(const BuyerScenario& scenario) {
         Buyer{m_context.buyers, scenario, start.discType,
               m_context.settings.buyerSeed.value_or(QRandomGenerator::system()->generate())},
         start.gameMode, m_context.clock, [this](const ServerMsg& message) { send(message); },
+        [this](const QString& sentence) { note(u"says: "_s + sentence); },
         [this](const BuyerReply& reply) { hearBuyer(reply); });
     note(u"%1 as a buyer, %2"_s.arg(scenario.person, tableText(rawValue(m_training->buyerType()))));
     m_training->begin();

@@ -4,12 +4,13 @@ namespace corvellan::sandbox {
 
 using namespace Qt::StringLiterals;
 
-Training::Training(Buyer buyer, bool isGame, Clock& clock, Send send, OnReply onReply)
+Training::Training(Buyer buyer, bool isGame, Clock& clock, Send send, OnSentence onSentence, OnReply onReply)
     : m_buyer(std::move(buyer)),
       m_send(std::move(send)),
       m_onReply(std::move(onReply)),
       m_voice(clock,
               {.onToken = [this](const QString& token) { m_send(ServerMsg{ServerMsg::CounterpartToken{token}}); },
+               .onSentence = std::move(onSentence),
                .onDone = [this](const QString& said, std::chrono::milliseconds latency) { endReply(said, latency); }}) {
     if (isGame)
         m_game.emplace();

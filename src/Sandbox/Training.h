@@ -17,12 +17,14 @@ namespace corvellan::sandbox {
 class Training {
 public:
     using Send = std::function<void(const ServerMsg&)>;
+    /// With each sentence of the buyer's, at the moment at which its last word is sent.
+    using OnSentence = std::function<void(const QString&)>;
     /// With what was really said, and given away, of a reply.
     using OnReply = std::function<void(const BuyerReply&)>;
 
     /// \param send takes the messages of the buyer's talk.
     /// \param onReply runs behind each reply's end.
-    Training(Buyer buyer, bool isGame, Clock& clock, Send send, OnReply onReply);
+    Training(Buyer buyer, bool isGame, Clock& clock, Send send, OnSentence onSentence, OnReply onReply);
 
     [[nodiscard]] DiscType buyerType() const { return m_buyer.type(); }
 

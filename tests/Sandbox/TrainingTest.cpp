@@ -93,6 +93,30 @@ TEST_F(TrainingTest, nothingIsSaidBeforeTheBuyerHasThought) {
     EXPECT_EQ(client.next()[u"type"_s], u"pong"_s) << "one word at a time";
 }
 
+TEST_F(TrainingTest, theLogTellsEachSentenceWhenItsLastWordIsSent) {
+    startSeeded();
+    WireClient client{coachUrl()};
+    begin(client);
+    const QString greeting = u"says: Tom Berg here."_s;
+    const QString next = u"says: Make it quick."_s;
+    QString said;
+    const auto take = [&] {
+        while (!client.messages().isEmpty())
+            said += client.messages().takeFirst()[u"delta"_s].toString();
+        return logs(greeting);
+    };
+    EXPECT_TRUE(spinUntil([&] {
+        const bool isLogged = take();
+        if (!isLogged)
+            settleAfter(clock, 10ms);
+        return isLogged;
+    }));
+    EXPECT_TRUE(spinUntil([&] { return take() && said == u"Tom Berg here."; })) << qPrintable(said);
+    EXPECT_FALSE(logs(next));
+    hear(client);
+    EXPECT_TRUE(logs(next));
+}
+
 TEST_F(TrainingTest, aCallFromTheOpeningToItsSummary) {
     startSeeded();
     WireClient client{coachUrl()};
