@@ -20,6 +20,48 @@ constexpr auto watchInterval = 250ms;
 /// daemon may be reading something else first.
 constexpr auto patience = 15s;
 constexpr auto patienceForCharacter = 250ms;
+/// A daemon answers in milliseconds, whatever it speaks; one whose sound server hangs may never do.
+constexpr auto answerLimit = 5s;
+
+/// While it lives a daemon that does not answer in time is hung up on, so that the call that waits for it returns.
+class AnswerLimit {
+public:
+    AnswerLimit(Clock& clock, SpeechDaemon& daemon)
+        : m_clock(clock),
+          m_call(std::make_shared<Call>(&daemon)),
+          m_timer(clock.callAt(clock.now() + answerLimit, [call = m_call] { call->hangUp(); })) {}
+    ~AnswerLimit() {
+        m_clock.cancel(m_timer);
+        m_call->end();
+    }
+    AnswerLimit(const AnswerLimit&) = delete;
+    AnswerLimit& operator=(const AnswerLimit&) = delete;
+
+private:
+    /// The timer may be running still when the call is over.
+    class Call {
+    public:
+        explicit Call(SpeechDaemon* daemon) : m_daemon(daemon) {}
+
+        void hangUp() {
+            const std::scoped_lock lock{m_mutex};
+            if (m_daemon)
+                m_daemon->hangUp();
+        }
+        void end() {
+            const std::scoped_lock lock{m_mutex};
+            m_daemon = nullptr;
+        }
+
+    private:
+        std::mutex m_mutex;
+        SpeechDaemon* m_daemon;
+    };
+
+    Clock& m_clock;
+    std::shared_ptr<Call> m_call;
+    Clock::TimerId m_timer;
+};
 
 }  // namespace
 
@@ -83,8 +125,7 @@ void DispatcherSynthesizer::stopSpeaking() {
     m_thread.executor().post([this] {
         if (m_messages.empty())
             return;
-        if (m_daemon)
-            m_daemon->cancel();
+        cancel();
         endAll();
     });
 }
@@ -123,7 +164,10 @@ void DispatcherSynthesizer::say(const SpeechUtterance& utterance) {
     for (int attempt = 0; attempt < 2 && !number; ++attempt) {
         if (!m_daemon && !open())
             break;
-        number = m_daemon->say(utterance);
+        {
+            const AnswerLimit limit{m_clock, *m_daemon};
+            number = m_daemon->say(utterance);
+        }
         if (!number)
             close();
     }
@@ -141,6 +185,13 @@ void DispatcherSynthesizer::say(const SpeechUtterance& utterance) {
     m_messages.push_back({.number = *number, .length = utterance.text.size()});
     if (m_messages.size() == 1)
         expect(m_messages.front());
+}
+
+void DispatcherSynthesizer::cancel() {
+    if (!m_daemon)
+        return;
+    const AnswerLimit limit{m_clock, *m_daemon};
+    m_daemon->cancel();
 }
 
 void DispatcherSynthesizer::expect(const Message& message) {
@@ -173,7 +224,7 @@ void DispatcherSynthesizer::look() {
     if (!isLost && m_clock.now() < m_deadline)
         return;
     if (!isLost) {
-        m_daemon->cancel();
+        cancel();
         m_onFailure(SpeechFailure::noSound);
     }
     close();

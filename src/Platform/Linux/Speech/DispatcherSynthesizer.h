@@ -44,6 +44,7 @@ private:
     void close();
     [[nodiscard]] Voices readVoicesNow();
     void say(const SpeechUtterance& utterance);
+    void cancel();
     void daemonTold(std::size_t message, SpeechDaemon::Event event);
     void look();
     void endAll();

@@ -3,6 +3,7 @@
 #include "Platform/Linux/Speech/DesktopSpeech.h"
 #include "PrivateSpeechDaemon.h"
 #include "SpeechFixture.h"
+#include "Support/ManualClock.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -17,10 +18,33 @@ SpeechUtterance utterance(const QString& text) {
     return {.text = text, .voice = SpeechVoice{.language = u"en-US"_s}, .volume = 0.8};
 }
 
+/// A clock whose hands the test moves, and which tells how often it was looked at.
+class WatchedClock final : public Clock {
+public:
+    [[nodiscard]] MonotonicTime now() const override {
+        ++m_looks;
+        return m_hands.now();
+    }
+    [[nodiscard]] WallTime wallNow() const override { return m_hands.wallNow(); }
+    TimerId callAt(MonotonicTime deadline, std::function<void()> due) override {
+        return m_hands.callAt(deadline, std::move(due));
+    }
+    void cancel(TimerId timer) override { m_hands.cancel(timer); }
+
+    void advance(std::chrono::nanoseconds step) { m_hands.advance(step); }
+    [[nodiscard]] int looks() const { return m_looks; }
+    [[nodiscard]] std::optional<MonotonicTime> nextDeadline() const { return m_hands.nextDeadline(); }
+
+private:
+    ManualClock m_hands;
+    mutable std::atomic<int> m_looks = 0;
+};
+
 class DispatcherSynthesizerTest : public SpeechFixture {
 protected:
-    std::unique_ptr<DispatcherSynthesizer> make() {
-        return std::make_unique<DispatcherSynthesizer>(clock, ownSpeech, keepFailure(), SpeechDaemon::Start::never);
+    std::unique_ptr<DispatcherSynthesizer> make() { return make(clock); }
+    std::unique_ptr<DispatcherSynthesizer> make(Clock& other) {
+        return std::make_unique<DispatcherSynthesizer>(other, ownSpeech, keepFailure(), SpeechDaemon::Start::never);
     }
 
     std::unique_ptr<DesktopSpeech> makeDesktop(std::string program = "espeak-ng") {
@@ -129,6 +153,55 @@ TEST_F(DispatcherSynthesizerTest, aDaemonThatHangsLaterHoldsUpNobody) {
     // Its end waits for nothing either.
     synthesizer.reset();
     EXPECT_FALSE(ownSpeech.isAudible(clock.now() + 1s));
+}
+
+TEST_F(DispatcherSynthesizerTest, aMessageThatNeverEndsIsGivenUpInItsTime) {
+    PrivatePulse pulse;
+    PrivateSpeechDaemon daemon;
+    WatchedClock hands;
+    const auto synthesizer = make(hands);
+    prepare(*synthesizer);
+    // The daemon's module waits for the sound server from here on.
+    pulse.freeze();
+    synthesizer->speak(utterance(longText));
+    const auto watch = [&](int times) {
+        return spinUntil([&, enough = hands.looks() + times] { return hands.looks() >= enough; });
+    };
+    // Handing over and the begin look too.
+    ASSERT_TRUE(watch(6));
+    EXPECT_TRUE(ownSpeech.isAudible(hands.now()));
+    hands.advance(14s + 250ms * longText.size());
+    ASSERT_TRUE(watch(3));
+    EXPECT_EQ(ended, 0) << "a slow voice needs that long";
+
+    ASSERT_TRUE(spinUntil([&] {
+        hands.advance(1s);
+        return ended >= 1;
+    }));
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(failures(), std::vector{SpeechFailure::noSound});
+    EXPECT_FALSE(ownSpeech.isAudible(hands.now() + 1s));
+}
+
+TEST_F(DispatcherSynthesizerTest, aDaemonThatNoLongerAnswersIsGivenUpInItsTime) {
+    PrivatePulse pulse;
+    PrivateSpeechDaemon daemon;
+    WatchedClock hands;
+    const auto synthesizer = make(hands);
+    prepare(*synthesizer);
+    daemon.freeze();
+    synthesizer->speak(utterance(u"Hello."_s));
+    synthesizer->speak(utterance(u"How are you?"_s));
+    ASSERT_TRUE(spinUntil([&] { return hands.nextDeadline().has_value(); })) << "it is waited for";
+    hands.advance(4s);
+    EXPECT_EQ(ended, 0);
+    ASSERT_TRUE(spinUntil([&] {
+        hands.advance(1s);
+        return ended >= 2;
+    }));
+    EXPECT_EQ(ended, 2);
+    EXPECT_EQ(failures(), (std::vector{SpeechFailure::noEngine, SpeechFailure::noEngine}));
+    EXPECT_FALSE(ownSpeech.isAudible(hands.now() + 1s));
 }
 
 TEST_F(DispatcherSynthesizerTest, theDesktopsVoiceIsTheDaemonsWhereThereIsOne) {
