@@ -236,7 +236,7 @@ hasSoundServer() {
 privateHome() {
     privateFolder
     export HOME="$housePrivate/home" XDG_RUNTIME_DIR="$housePrivate/run"
-    unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME
+    unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME XDG_STATE_HOME SPEECHD_ADDRESS
 }
 
 # privateDisplay WIDTHxHEIGHT

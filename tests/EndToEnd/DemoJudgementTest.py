@@ -1,28 +1,17 @@
 """The demo's judgement must notice whatever went wrong in a call."""
 
 import json
-import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 import numpy
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools/demo"))
+from madeup import RATE, noise
 
-import judgement  # noqa: E402
-import likeness  # noqa: E402
-import voices  # noqa: E402
-
-RATE = 24_000
-
-
-def noise(seconds, seed):
-    """Band-limited like speech, so that it survives being resampled."""
-    samples = numpy.random.default_rng(seed).normal(0, 0.1, int(seconds * RATE))
-    spectrum = numpy.fft.rfft(samples)
-    spectrum[len(spectrum) // 3 :] = 0
-    return numpy.fft.irfft(spectrum, len(samples))
+import call_judgement
+import likeness
+import voices
 
 
 class Call:
@@ -66,10 +55,10 @@ class Call:
             "durationSecs": 12,
             "records": self.records,
         }
-        evidence = judgement.Evidence(
+        evidence = call_judgement.Evidence(
             self.lines, record if self.records else None, self.counters, self.folder, ["Stage: Discovery"]
         )
-        self.report, failures = judgement.judge(evidence)
+        self.report, failures = call_judgement.judge(evidence)
         return [failure.split(":")[0] for failure in failures]
 
 

@@ -1,9 +1,6 @@
-"""Plays a coached call in real time and judges it.
+"""What every demo needs: its output folder, the sandbox, the program, pictures, and the report that is judged.
 
-Both voices of a call script are synthesised; the salesperson is played into the default source, the
-customer into the default output. The program is driven through its accessibility interface, and what
-arrived at the end of every path is compared with what was played. Expects private surroundings: see
-play.sh, which brings them up.
+Expects private surroundings: see play.sh, which brings them up.
 """
 
 import argparse
@@ -21,15 +18,9 @@ import urllib.request
 from pathlib import Path
 
 import judgement
-import voices
 from program import NotThere, Program, wait_for
 
 PORTS = (3001, 3002, 3003)
-SPEAKERS = {"mic": "Salesperson", "system": "Customer"}
-# From the moment the program listens until the first word may come.
-LEAD_SECONDS = 1.0
-# The provider waits for two seconds of silence, and the coach for nothing.
-LAST_LINE_SECONDS = 12
 
 
 def say(text):
@@ -43,18 +34,43 @@ def port_is_open(port):
 
 
 class Demo:
+    # The call script that is played where none is asked for: a file, or the name of a shipped one.
+    script = None
+
     def __init__(self, options):
         self.options = options
         self.output = Path(options.output).resolve()
         self.programs = Path(options.bin).resolve()
         self.home = Path(os.environ["HOME"])
+        self.received = self.output / "received"
         self.sandbox = None
         self.program = None
         self.players = []
         self.screenshots = []
         self.pss = []
 
-    # --- The call ---
+    # --- What each demo adds ---
+
+    def prepare_script(self):
+        """Makes what is said, and the lengths that the sandbox is told in lengths.json."""
+        raise NotImplementedError
+
+    def sandbox_options(self):
+        return []
+
+    def hold(self):
+        """Plays all of it, from `begin_measuring` to `end_measuring`, and ends the session."""
+        raise NotImplementedError
+
+    def judge(self):
+        """The report, and one sentence for each thing that is not as it must be."""
+        raise NotImplementedError
+
+    def summary(self, report):
+        """The report's main figures: rows of name and text."""
+        raise NotImplementedError
+
+    # --- From start to end ---
 
     def run(self):
         self.prepare_output()
@@ -62,7 +78,7 @@ class Demo:
         try:
             self.start_sandbox()
             self.start_program()
-            self.hold_call()
+            self.hold()
             return self.report()
         finally:
             self.end()
@@ -73,28 +89,17 @@ class Demo:
             for path in self.output.glob(name):
                 shutil.rmtree(path) if path.is_dir() else path.unlink()
 
-    def prepare_script(self):
-        say("==> Synthesising both voices")
-        sandbox = str(self.programs / "corvellan-sandbox")
-        self.lines, spoken_by = voices.load_script(sandbox, self.options.script)
-        voices.speak(self.lines, spoken_by, self.output)
-        moved = voices.lay_out(self.lines)
-        self.tracks, self.seconds = voices.write_tracks(self.lines, self.output)
-        voices.write_lengths(self.lines, self.output / "lengths.json")
-        say(f"    {len(self.lines)} lines, {self.seconds:.0f} s" + (f", {moved} begin later than written" if moved else ""))
-
     def start_sandbox(self):
         for port in PORTS:
             if port_is_open(port):
                 raise NotThere(f"a free port {port} (is another sandbox running?)")
         say("==> Starting the sandbox")
-        self.received = self.output / "received"
         self.received.mkdir()
         command = [self.programs / "corvellan-sandbox", "--script", self.options.script]
-        command += ["--lengths", self.output / "lengths.json", "--keep-audio", self.received]
+        command += ["--lengths", self.output / "lengths.json", "--keep-audio", self.received, *self.sandbox_options()]
         self.sandbox = Program([str(part) for part in command], self.output / "sandbox.log")
-        log = self.output / "sandbox.log"
-        wait_for("the sandbox's word that it is ready", 20, lambda: self.alive(self.sandbox) and "\nready\n" in log.read_text())
+        wait_for("the sandbox's word that it is ready", 20,
+                 lambda: self.alive(self.sandbox) and "\nready\n" in self.sandbox_log())
 
     def start_program(self):
         say("==> Starting the program")
@@ -103,67 +108,47 @@ class Demo:
         settings.write_text("[General]\nserverMode=local\nonboardingCompleted=true\n")
         self.program = Program([str(self.programs / "corvellan-bram-sandbox")], self.output / "program.log")
         wait_for("the program's window", 30, lambda: self.alive(self.program) and self.program.button("Start Coaching"))
-        self.start_counters = wait_for("the program on the bus", 10, self.program.counters_or_none)
+        wait_for("the program on the bus", 10, self.program.counters_or_none)
         self.pss_idle = self.program.pss_mb()
         self.take_screenshot("1-idle")
 
-    def hold_call(self):
-        say('==> Pressing "Start Coaching"')
-        self.program.press("Start Coaching")
+    def wait_for_pipeline(self):
+        """The session runs, and the program listens."""
         wait_for("the debug line that the pipeline listens", 20, lambda: "Pipeline ready" in self.debug_log())
         wait_for('the button "End Session"', 10, lambda: self.program.button("End Session"))
-        self.take_screenshot("2-listening")
-        time.sleep(LEAD_SECONDS)
 
-        say(f"==> Playing the call in real time: {self.seconds:.0f} s")
-        devices = {"mic": "micfeed", "system": "spk"}
-        began = time.monotonic()
-        cpu = self.program.cpu_seconds()
-        for side in voices.SIDES:
-            command = ["paplay", "-d", devices[side], str(self.tracks[side])]
-            self.players.append(subprocess.Popen(command, stdin=subprocess.DEVNULL))
-        self.follow_call(began)
-        self.cpu_percent = 100 * (self.program.cpu_seconds() - cpu) / (time.monotonic() - began)
-        for player in self.players:
-            if player.wait(30) != 0:
-                raise NotThere("a voice that could be played to its end")
+    def begin_measuring(self):
+        self.began = time.monotonic()
+        self.cpu_at_begin = self.program.cpu_seconds()
 
-        finished = wait_for_quietly(LAST_LINE_SECONDS, lambda: self.heard_lines() >= len(self.lines))
-        if not finished:
-            say(f"    only {self.heard_lines()} of {len(self.lines)} utterances have arrived")
-        # The tip on the last one has its own way to go.
-        time.sleep(0.5)
-        self.take_screenshot("6-last-tip")
-        self.shown = self.program.names()
+    def end_measuring(self):
+        self.cpu_percent = 100 * (self.program.cpu_seconds() - self.cpu_at_begin) / (time.monotonic() - self.began)
+
+    def end_session(self, picture):
         say('==> Pressing "End Session"')
         self.program.press("End Session")
         wait_for_quietly(10, lambda: (self.program.counters_or_none() or {}).get("records_stored", 0) >= 1)
-        self.take_screenshot("7-ended")
+        self.take_screenshot(picture)
         self.counters = self.program.counters()
         with urllib.request.urlopen("http://127.0.0.1:3001/sandbox/audio", timeout=10) as answer:
             self.provider = json.load(answer)
 
-    def follow_call(self, began):
-        """Tells what is said while it plays, takes the screenshots, and looks at the memory."""
-        events = [(line.end, "line", line) for line in self.lines]
-        events += [(self.seconds * part, "look", name) for part, name in ((0.3, "3-early"), (0.6, "4-middle"), (0.9, "5-late"))]
-        for moment, kind, what in [*sorted(events, key=lambda event: event[0]), (self.seconds, "end", None)]:
-            self.sleep_until(began + moment)
-            if kind == "line":
-                say(f"    {int(moment) // 60}:{int(moment) % 60:02}  {SPEAKERS[what.side]}: {what.text}")
-            elif kind == "look":
-                self.take_screenshot(what)
-                self.pss.append(self.program.pss_mb())
+    def play(self, device, track):
+        """Starts to play it into the device; `finish_playing` waits for its end."""
+        command = ["paplay", "-d", device, str(track)]
+        self.players.append(subprocess.Popen(command, stdin=subprocess.DEVNULL))
+
+    def finish_playing(self):
+        for player in self.players:
+            if player.wait(60) != 0:
+                raise NotThere("a voice that could be played to its end")
+        self.players.clear()
 
     def sleep_until(self, moment):
         while (rest := moment - time.monotonic()) > 0:
             self.alive(self.program)
             self.alive(self.sandbox)
             time.sleep(min(rest, 1.0))
-
-    def heard_lines(self):
-        counters = self.program.counters_or_none()
-        return counters["mic"]["utterances"] + counters["system"]["utterances"] if counters else 0
 
     def alive(self, process):
         if not process.is_running():
@@ -175,10 +160,18 @@ class Demo:
         path = self.home / "corvellan-debug.log"
         return path.read_text(errors="replace") if path.exists() else ""
 
+    def sandbox_log(self):
+        return (self.output / "sandbox.log").read_text(errors="replace")
+
     def session_id(self):
-        """Of the call just held. Other programs of this machine may have found the sandbox too."""
+        """Of the session just held. Other programs of this machine may have found the sandbox too."""
         found = re.search(r"SessionStarted id=(\S+)", self.debug_log())
         return found[1] if found else "no-session"
+
+    def look(self, name):
+        """Takes a picture, and looks at the memory."""
+        self.take_screenshot(name)
+        self.pss.append(self.program.pss_mb())
 
     def take_screenshot(self, name):
         path = self.output / f"{name}.png"
@@ -192,31 +185,22 @@ class Demo:
         # The socket's last bytes reach the file after the program has gone.
         time.sleep(0.5)
         self.sandbox.end()
-        log = self.home / "corvellan-debug.log"
-        if log.exists():
-            shutil.copy(log, self.output / "debug.log")
-        evidence = judgement.Evidence(
-            lines=self.lines,
-            record=self.newest_record(),
-            counters=self.counters,
-            received=self.received / self.session_id(),
-            shown=self.shown,
-        )
-        report, failures = judgement.judge(evidence)
+        self.keep_debug_log()
+        report, failures = self.judge()
         report["cpu_percent_of_core"] = round(self.cpu_percent, 2)
         report["pss_mb"] = round(max(self.pss), 1)
         report["pss_idle_mb"] = round(self.pss_idle, 1)
         # What the sandbox found wrong with the program's own frames.
-        refused = (self.output / "sandbox.log").read_text(errors="replace").count("refused a message")
+        refused = self.sandbox_log().count("refused a message")
         own = [connection for connection in self.provider if connection["session_id"] == self.session_id()]
         report["frames_refused"] = refused + sum(connection["faults"] for connection in own)
         report["screenshots"] = self.screenshots
         report["failures"] = failures
         (self.output / "report.json").write_text(json.dumps(report, indent=2, ensure_ascii=False) + "\n")
         say("")
-        say(judgement.summary(report))
+        say(judgement.verdict(self.summary(report), report))
         say(f"Look at {self.output}: report.json, {', '.join(self.screenshots)}, debug.log, sandbox.log,")
-        say("program.log, played-*.wav and received/*/*.wav")
+        say("program.log, the *.wav and received/*/*.wav")
         return 1 if failures else 0
 
     def newest_record(self):
@@ -227,6 +211,11 @@ class Demo:
             database.row_factory = sqlite3.Row
             rows = database.execute("SELECT * FROM SessionRecord").fetchall()
         return dict(rows[0]) | {"records": len(rows)} if rows else None
+
+    def keep_debug_log(self):
+        log = self.home / "corvellan-debug.log"
+        if log.exists():
+            shutil.copy(log, self.output / "debug.log")
 
     def end(self):
         for player in self.players:
@@ -245,15 +234,15 @@ def wait_for_quietly(seconds, ask):
         return False
 
 
-def main():
-    parser = argparse.ArgumentParser(prog="demo.py", description=__doc__.splitlines()[0])
+def main(kind, title):
+    """Runs a demo of that kind. Returns the exit status."""
+    parser = argparse.ArgumentParser(description=title)
     parser.add_argument("--bin", required=True, help="the folder of the built programs")
     parser.add_argument("--output", required=True, help="the folder for the report and all that belongs to it")
-    parser.add_argument("--script", default="discovery-call", help="a call script: a file, or the name of a shipped one")
+    parser.add_argument("--script", default=kind.script, help="a call script: a file, or the name of a shipped one")
     parser.add_argument("--own-display", action="store_true", help="the display shows nothing else")
-    options = parser.parse_args()
+    demo = kind(parser.parse_args())
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
-    demo = Demo(options)
     try:
         return demo.run()
     except KeyboardInterrupt:
@@ -261,15 +250,5 @@ def main():
     except NotThere as failure:
         say(f"FAILED: {failure}")
         say(f"Look at {demo.output}: program.log, sandbox.log, and what else is there")
-        keep_debug_log(demo)
+        demo.keep_debug_log()
         return 1
-
-
-def keep_debug_log(demo):
-    log = demo.home / "corvellan-debug.log"
-    if log.exists():
-        shutil.copy(log, demo.output / "debug.log")
-
-
-if __name__ == "__main__":
-    sys.exit(main())

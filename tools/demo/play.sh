@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# Brings up private surroundings and lets demo.py play a call in them.
+# Brings up private surroundings and plays a demo in them: a call, or a training session.
 set -euo pipefail
 # shellcheck source=tools/house.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../house.sh"
 
 usage() {
-    echo "Usage: play.sh --bin FOLDER --output FOLDER [--headless] [--script SCRIPT]" >&2
+    echo "Usage: play.sh call|training --bin FOLDER --output FOLDER [--headless] [--script SCRIPT]" >&2
     exit 2
 }
 
+kind=${1:-}
+[[ $kind == call || $kind == training ]] || usage
+shift
 headless=no
 passed=()
 while (($#)); do
@@ -42,4 +45,4 @@ privateHome
 privateBus
 privateAccessibility
 privateSound
-runChild demo /usr/bin/python3 -B "$houseRoot/tools/demo/demo.py" "${passed[@]}"
+runChild demo /usr/bin/python3 -B "$houseRoot/tools/demo/$kind.py" "${passed[@]}"

@@ -131,14 +131,26 @@ class Program:
                 return widget
         return None
 
+    def control(self, name):
+        """Whatever can be pressed: a button, a tab, a row. A screen can have its tab's name, and can't."""
+        for widget in self.widgets():
+            action = widget.get_action_iface() if widget.get_name() == name else None
+            if action and action.get_n_actions() > 0:
+                return widget
+        return None
+
     def press(self, name, seconds=20):
-        button = wait_for(f'the button "{name}"', seconds, lambda: self.button(name), every=0.2)
-        action = button.get_action_iface()
-        if action is None or action.get_n_actions() < 1:
-            raise NotThere(f'the button "{name}" can\'t be pressed through accessibility')
+        action = wait_for(f'the control "{name}"', seconds, lambda: self.control(name), every=0.2).get_action_iface()
         names = [action.get_action_name(index) for index in range(action.get_n_actions())]
         if not action.do_action(names.index("Press") if "Press" in names else 0):
-            raise NotThere(f'the button "{name}" refused to be pressed')
+            raise NotThere(f'the control "{name}" refused to be pressed')
+
+    def key(self, name):
+        """Presses a key in its window, whichever has the keyboard."""
+        window = self.window()
+        if window is None:
+            raise NotThere("a window for the keys")
+        subprocess.run(["xdotool", "key", "--window", window, name], check=True, timeout=10)
 
     def window(self):
         """The id of its largest visible window, or none."""

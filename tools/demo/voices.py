@@ -14,6 +14,7 @@ SILENCE_BETWEEN_LINES = 2.6
 PEAK = 0.6
 # As loud as what the provider takes for speech at its usual threshold.
 LOUD = 10 ** (-40 / 20)
+WINDOWS_PER_SECOND = 100
 
 
 @dataclass
@@ -60,27 +61,39 @@ def load_script(sandbox, script):
     return lines, document.get("voices", {})
 
 
-def trimmed(samples, rate):
-    """From the first loud window of 10 ms to the last one, which is what the provider measures."""
-    window = rate // 100
+def loud_windows(samples, rate):
+    """The numbers of the windows of 10 ms that are loud, and their length in samples."""
+    window = rate // WINDOWS_PER_SECOND
     count = len(samples) // window
     levels = numpy.sqrt(numpy.mean(samples[: count * window].reshape(count, window) ** 2, axis=1))
-    loud = numpy.flatnonzero(levels > LOUD)
+    return numpy.flatnonzero(levels > LOUD), window
+
+
+def trimmed(samples, rate):
+    """From the first loud window to the last one, which is what the provider measures."""
+    loud, window = loud_windows(samples, rate)
     if not len(loud):
         raise ValueError("a line was spoken in silence")
     return samples[loud[0] * window : (loud[-1] + 1) * window]
 
 
+def synthesised(text, voice, folder, words_per_minute=None):
+    """What espeak-ng makes of it, and its rate."""
+    path = folder / "line.wav"
+    command = ["espeak-ng", "-v", voice, "-w", str(path), "--stdin"]
+    command += ["-s", str(words_per_minute)] if words_per_minute else []
+    subprocess.run(command, input=text.encode(), check=True, timeout=60)
+    samples, rate = read_wav(path)
+    path.unlink()
+    return samples, rate
+
+
 def speak(lines, voices, folder):
     """Gives every line its speech."""
-    for number, line in enumerate(lines, 1):
+    for line in lines:
         voice = voices.get(line.side, {})
-        path = folder / f"line-{number:02}.wav"
-        command = ["espeak-ng", "-v", voice.get("voice", "en-us"), "-s", str(voice.get("words_per_minute", 160))]
-        subprocess.run([*command, "-w", str(path), "--stdin"], input=line.text.encode(), check=True, timeout=60)
-        samples, line.rate = read_wav(path)
+        samples, line.rate = synthesised(line.text, voice.get("voice", "en-us"), folder, voice.get("words_per_minute", 160))
         line.speech = trimmed(samples * (PEAK / numpy.max(numpy.abs(samples))), line.rate)
-        path.unlink()
 
 
 def lay_out(lines):
