@@ -32,8 +32,10 @@ void spin(std::chrono::milliseconds time) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 10);
 }
 
-/// The window's picture on a plain desktop, so that its rounded corners and its translucency show.
-QImage onDesktop(const QImage& window) {
+/// The window's picture on a plain desktop, so that its rounded corners and its translucency show. Every pixel of a
+/// dense screen is one of the picture's.
+QImage onDesktop(QImage window) {
+    window.setDevicePixelRatio(1);
     constexpr int margin = 24;
     QImage picture{window.size() + QSize{2 * margin, 2 * margin}, QImage::Format_RGB32};
     QPainter painter{&picture};
