@@ -2,7 +2,7 @@ import QtQuick
 import Corvellan.Views
 
 /// How loud a side is, 0 to 1, as the share of a track that is filled.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme
@@ -13,7 +13,7 @@ Rectangle {
     radius: 2
     color: Qt.alpha(theme.white, 0.1)
 
-    Rectangle {
+    Box {
         objectName: "fill"
         width: parent.width * Math.max(0, Math.min(1, root.level))
         height: parent.height

@@ -31,10 +31,10 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: Qt.alpha(root.theme.foreground, root.down ? 0.14 : root.hovered ? 0.09 : 0.05)
-        border.width: root.visualFocus ? 2 : 1
-        border.color: root.visualFocus ? root.theme.focusRing : root.theme.hairline
+        borderWidth: root.visualFocus ? 2 : 1
+        borderColor: root.visualFocus ? root.theme.focusRing : root.theme.hairline
     }
 }

@@ -38,14 +38,14 @@ FocusScope {
                 width: Math.min(parent.width - 40, 620)
                 spacing: 20
 
-                Rectangle {
+                Box {
                     Layout.fillWidth: true
                     objectName: "calendarProblem"
                     visible: root.calendar.calendarError.length > 0
                     implicitHeight: trouble.implicitHeight + 28
                     radius: 10
                     color: root.theme.cardBackground
-                    border.color: root.theme.hairline
+                    borderColor: root.theme.hairline
 
                     RowLayout {
                         id: trouble

@@ -20,7 +20,7 @@ ColumnLayout {
             spacing: 6
             visible: root.overlay.tipLabel.length > 0
 
-            Rectangle {
+            Box {
                 width: chip.implicitWidth + 12
                 height: 16
                 radius: 4

@@ -101,7 +101,7 @@ ColumnLayout {
             }
         }
 
-        Rectangle {
+        Box {
             width: fold.width
             height: brief.implicitHeight + 12
             radius: 5

@@ -2,7 +2,7 @@ import QtQuick
 import Corvellan.Views
 
 /// The line between two blocks.
-Rectangle {
+Box {
     required property Theme theme
 
     implicitHeight: 1

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// A hint on a ground of its own colour.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme

@@ -44,7 +44,7 @@ Item {
         anchors.rightMargin: 14
         spacing: 12
 
-        Rectangle {
+        Box {
             Layout.alignment: Qt.AlignTop
             implicitWidth: 28
             implicitHeight: 28

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// A card of such rows. Each is a map with "letter", "symbol", "colorName", "name" and "text".
-Rectangle {
+Box {
     id: root
 
     required property Theme theme
@@ -17,7 +17,7 @@ Rectangle {
     implicitHeight: column.implicitHeight
     radius: 10
     color: theme.cardBackground
-    border.color: theme.hairline
+    borderColor: theme.hairline
 
     ColumnLayout {
         id: column

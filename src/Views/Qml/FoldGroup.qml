@@ -70,11 +70,11 @@ ColumnLayout {
             }
         }
 
-        background: Rectangle {
+        background: Box {
             radius: 6
             color: Qt.alpha(root.theme.foreground, press.down ? 0.1 : press.hovered ? 0.05 : 0)
-            border.width: press.visualFocus ? 2 : 0
-            border.color: root.theme.focusRing
+            borderWidth: press.visualFocus ? 2 : 0
+            borderColor: root.theme.focusRing
         }
     }
     ColumnLayout {

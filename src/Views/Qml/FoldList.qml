@@ -48,19 +48,19 @@ ListView {
         visible: root.isOverflowing
         Accessible.ignored: true
 
-        contentItem: Rectangle {
+        contentItem: Box {
             radius: 2
             color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
         }
     }
 
-    Rectangle {
+    Box {
         parent: root
         anchors.fill: parent
         radius: 5
         color: "transparent"
-        border.width: 2
-        border.color: root.theme.focusRing
+        borderWidth: 2
+        borderColor: root.theme.focusRing
         // Not round a row that has the keyboard.
         visible: root.activeFocus && root.activeFocusOnTab
     }

@@ -38,11 +38,11 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: Qt.tint(root.theme.controlBackground,
                        Qt.alpha(root.theme.foreground, !root.enabled ? 0 : root.down ? 0.16 : root.hovered ? 0.07 : 0))
-        border.width: root.visualFocus ? 2 : 1
-        border.color: root.visualFocus ? root.theme.focusRing : root.theme.controlBorder
+        borderWidth: root.visualFocus ? 2 : 1
+        borderColor: root.visualFocus ? root.theme.focusRing : root.theme.controlBorder
     }
 }

@@ -22,15 +22,15 @@ Item {
         visible: root.y > 0
     }
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         anchors.margins: 8
         anchors.leftMargin: 14
         anchors.rightMargin: 14
         radius: 6
         color: root.theme.windowBackground
-        border.width: lines.activeFocus ? 2 : 1
-        border.color: lines.activeFocus ? root.theme.focusRing : root.theme.hairline
+        borderWidth: lines.activeFocus ? 2 : 1
+        borderColor: lines.activeFocus ? root.theme.focusRing : root.theme.hairline
 
         TextEdit {
             id: lines

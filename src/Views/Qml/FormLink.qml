@@ -30,12 +30,12 @@ Item {
     Accessible.focusable: true
     Accessible.onPressAction: root.clicked()
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         radius: 6
         color: Qt.alpha(root.theme.foreground, pointer.pressed ? 0.1 : pointer.containsMouse ? 0.05 : 0)
-        border.width: root.activeFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.activeFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 
     RowLayout {

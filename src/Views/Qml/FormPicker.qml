@@ -74,12 +74,12 @@ T.ComboBox {
         color: root.theme.secondary
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: Qt.tint(root.theme.controlBackground,
                        Qt.alpha(root.theme.foreground, root.down ? 0.16 : root.hovered ? 0.07 : 0))
-        border.width: root.visualFocus ? 2 : 1
-        border.color: root.visualFocus ? root.theme.focusRing : root.theme.controlBorder
+        borderWidth: root.visualFocus ? 2 : 1
+        borderColor: root.visualFocus ? root.theme.focusRing : root.theme.controlBorder
     }
 
     delegate: T.ItemDelegate {
@@ -109,7 +109,7 @@ T.ComboBox {
             Accessible.ignored: true
         }
 
-        background: Rectangle {
+        background: Box {
             radius: 5
             color: Qt.alpha(root.theme.accent, choice.highlighted ? 0.25 : 0)
         }
@@ -138,10 +138,10 @@ T.ComboBox {
             currentIndex: root.highlightedIndex
         }
 
-        background: Rectangle {
+        background: Box {
             radius: 8
             color: root.theme.popupBackground
-            border.color: root.theme.controlBorder
+            borderColor: root.theme.controlBorder
         }
     }
 }

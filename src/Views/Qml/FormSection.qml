@@ -52,12 +52,12 @@ ColumnLayout {
             spacing: 8
         }
     }
-    Rectangle {
+    Box {
         Layout.fillWidth: true
         implicitHeight: column.implicitHeight
         radius: 10
         color: root.theme.cardBackground
-        border.color: root.theme.hairline
+        borderColor: root.theme.hairline
 
         ColumnLayout {
             id: column

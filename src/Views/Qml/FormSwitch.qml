@@ -67,15 +67,15 @@ PressButton {
                 Accessible.ignored: true
             }
         }
-        Rectangle {
+        Box {
             implicitWidth: 38
             implicitHeight: 22
             radius: 11
             color: root.isOn ? root.theme.accent : root.theme.controlBackground
-            border.width: root.isOn ? 0 : 1
-            border.color: root.theme.controlBorder
+            borderWidth: root.isOn ? 0 : 1
+            borderColor: root.theme.controlBorder
 
-            Rectangle {
+            Box {
                 x: root.isOn ? parent.width - width - 3 : 3
                 y: 3
                 width: 16
@@ -93,11 +93,11 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 10
         color: Qt.alpha(root.theme.foreground, !root.enabled ? 0 : root.down ? 0.08 : root.hovered ? 0.04 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
 
         Divider {
             anchors.left: parent.left

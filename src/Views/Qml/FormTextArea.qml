@@ -51,11 +51,11 @@ T.TextArea {
         Accessible.ignored: true
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: root.theme.controlBackground
-        border.width: root.activeFocus ? 2 : 1
-        border.color: root.activeFocus ? root.theme.focusRing
+        borderWidth: root.activeFocus ? 2 : 1
+        borderColor: root.activeFocus ? root.theme.focusRing
                     : Qt.tint(root.theme.controlBorder, Qt.alpha(root.theme.foreground, root.hovered ? 0.35 : 0))
     }
 }

@@ -34,7 +34,7 @@ T.TextField {
     Accessible.name: root.label
     Accessible.description: root.placeholderText
 
-    cursorDelegate: Rectangle {
+    cursorDelegate: Box {
         width: 1
         color: root.theme.foreground
         visible: root.cursorVisible
@@ -54,11 +54,11 @@ T.TextField {
         Accessible.ignored: true
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: root.theme.controlBackground
-        border.width: root.activeFocus ? 2 : 1
-        border.color: root.activeFocus ? root.theme.focusRing
+        borderWidth: root.activeFocus ? 2 : 1
+        borderColor: root.activeFocus ? root.theme.focusRing
                     : Qt.tint(root.theme.controlBorder, Qt.alpha(root.theme.foreground, root.hovered ? 0.35 : 0))
     }
 }

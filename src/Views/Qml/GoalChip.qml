@@ -44,14 +44,14 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         objectName: "chip"
         radius: height / 2
         color: Qt.alpha(root.tint, root.isSelected ? 0.25 : 0.1)
-        border.width: root.visualFocus ? 2 : 1
-        border.color: root.visualFocus ? root.theme.focusRing : Qt.alpha(root.tint, root.isSelected ? 0.5 : 0.2)
+        borderWidth: root.visualFocus ? 2 : 1
+        borderColor: root.visualFocus ? root.theme.focusRing : Qt.alpha(root.tint, root.isSelected ? 0.5 : 0.2)
 
-        Rectangle {
+        Box {
             anchors.fill: parent
             radius: parent.radius
             color: Qt.alpha(root.theme.foreground, root.down ? 0.12 : root.hovered ? 0.06 : 0)

@@ -6,7 +6,7 @@ import Corvellan.Views
 
 /// The content of the window with a company's handoff note. Dark whatever the desktop is, since the note's
 /// colours are made for that.
-Rectangle {
+Box {
     id: root
 
     required property HandoffWindowView handoff

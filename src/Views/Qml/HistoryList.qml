@@ -85,7 +85,7 @@ ListView {
         visible: root.isOverflowing
         Accessible.ignored: true
 
-        contentItem: Rectangle {
+        contentItem: Box {
             radius: 2
             color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
         }

@@ -133,11 +133,11 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 8
         color: Qt.tint(root.theme.cardBackground,
                        Qt.alpha(root.theme.foreground, root.down ? 0.14 : root.hovered ? 0.06 : 0))
-        border.width: root.isCurrent ? 2 : 1
-        border.color: root.isCurrent ? root.theme.focusRing : root.theme.hairline
+        borderWidth: root.isCurrent ? 2 : 1
+        borderColor: root.isCurrent ? root.theme.focusRing : root.theme.hairline
     }
 }

@@ -153,14 +153,14 @@ FocusScope {
                     onClicked: root.home.startCallWithoutCompany()
                 }
 
-                Rectangle {
+                Box {
                     Layout.fillWidth: true
                     objectName: "errorSection"
                     visible: root.home.errorMessage.length > 0
                     implicitHeight: problem.implicitHeight + 20
                     radius: 10
                     color: Qt.alpha(root.theme.red, 0.12)
-                    border.color: Qt.alpha(root.theme.red, 0.35)
+                    borderColor: Qt.alpha(root.theme.red, 0.35)
 
                     ProblemLine {
                         id: problem

@@ -21,11 +21,11 @@ PressButton {
         horizontalAlignment: Text.AlignHCenter
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 7
         color: Qt.alpha(root.theme.foreground, root.down ? 0.14 : root.hovered ? 0.08 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 
     Tip {

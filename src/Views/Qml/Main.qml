@@ -8,7 +8,7 @@ Item {
     required property ViewStates views
     readonly property string shownFace: views.dashboard.face
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         color: root.views.dashboard.surfaceColor
         radius: root.views.dashboard.surfaceRadius

@@ -65,14 +65,14 @@ Item {
                         root.linkActivated(link.modelData.address);
                 }
 
-                Rectangle {
+                Box {
                     anchors.fill: parent
                     anchors.margins: -2
                     visible: link.activeFocus
                     radius: 4
                     color: "transparent"
-                    border.width: 2
-                    border.color: root.theme.focusRing
+                    borderWidth: 2
+                    borderColor: root.theme.focusRing
                 }
             }
         }
@@ -95,7 +95,7 @@ Item {
         }
         Accessible.ignored: true
 
-        contentItem: Rectangle {
+        contentItem: Box {
             implicitWidth: 6
             radius: 3
             color: Qt.rgba(1, 1, 1, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
@@ -124,7 +124,7 @@ Item {
         }
         Accessible.ignored: true
 
-        contentItem: Rectangle {
+        contentItem: Box {
             implicitHeight: 6
             radius: 3
             color: Qt.rgba(1, 1, 1, sideBar.pressed ? 0.6 : sideBar.hovered ? 0.45 : 0.25)
@@ -136,13 +136,13 @@ Item {
         }
     }
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         anchors.margins: 1
         radius: 5
         color: "transparent"
-        border.width: 2
-        border.color: root.theme.focusRing
+        borderWidth: 2
+        borderColor: root.theme.focusRing
         objectName: "focusRing"
         visible: page.visualFocus
     }

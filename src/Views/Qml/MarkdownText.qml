@@ -18,7 +18,7 @@ Item {
 
     implicitHeight: Math.max(leastHeight, Math.min(page.implicitHeight + notice.takenHeight, greatestHeight))
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         radius: 6
         // The note's colours are made for a dark ground.

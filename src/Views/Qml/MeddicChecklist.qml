@@ -16,7 +16,7 @@ ColumnLayout {
     Repeater {
         model: root.overlay.checklist
 
-        Rectangle {
+        Box {
             id: row
 
             required property int index

@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 import Corvellan.Views
 
 /// Where the note is written.
-Rectangle {
+Box {
     id: root
 
     required property MemoryView memory
@@ -16,8 +16,8 @@ Rectangle {
 
     radius: 10
     color: theme.cardBackground
-    border.width: area.activeFocus ? 2 : 1
-    border.color: area.activeFocus ? theme.focusRing : theme.hairline
+    borderWidth: area.activeFocus ? 2 : 1
+    borderColor: area.activeFocus ? theme.focusRing : theme.hairline
 
     function show() {
         if (area.text === memory.memory)
@@ -84,7 +84,7 @@ Rectangle {
             Accessible.multiLine: true
             Accessible.name: label
 
-            cursorDelegate: Rectangle {
+            cursorDelegate: Box {
                 width: 1
                 color: root.theme.foreground
                 visible: area.cursorVisible
@@ -101,7 +101,7 @@ Rectangle {
             visible: policy === T.ScrollBar.AlwaysOn
             Accessible.ignored: true
 
-            contentItem: Rectangle {
+            contentItem: Box {
                 radius: 2
                 color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
             }

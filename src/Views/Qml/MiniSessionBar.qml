@@ -36,14 +36,14 @@ RowLayout {
         color: root.overlay.scoreColor
         Accessible.name: qsTr("MEDDIC score %1").arg(text)
     }
-    Rectangle {
+    Box {
         objectName: "miniDisc"
         visible: root.live.discLetter.length > 0
         implicitWidth: 16
         implicitHeight: 16
         radius: 8
         color: Qt.alpha(root.overlay.buyerColor, 0.35)
-        border.color: root.overlay.buyerColor
+        borderColor: root.overlay.buyerColor
 
         ReadOut {
             anchors.centerIn: parent

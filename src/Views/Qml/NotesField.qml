@@ -5,7 +5,7 @@ import QtQuick.Templates as T
 import Corvellan.Views
 
 /// The notes for the next call, over several lines.
-Rectangle {
+Box {
     id: root
 
     required property CallPrep prep
@@ -14,8 +14,8 @@ Rectangle {
     implicitHeight: Math.max(72, Math.min(area.contentHeight + 16, 180))
     radius: 8
     color: root.theme.controlBackground
-    border.width: area.activeFocus ? 2 : 1
-    border.color: area.activeFocus ? root.theme.focusRing : root.theme.controlBorder
+    borderWidth: area.activeFocus ? 2 : 1
+    borderColor: area.activeFocus ? root.theme.focusRing : root.theme.controlBorder
 
     function show() {
         if (area.text === root.prep.callPrepNotes)
@@ -74,7 +74,7 @@ Rectangle {
             Accessible.name: qsTr("Call notes")
             Accessible.description: placeholderText
 
-            cursorDelegate: Rectangle {
+            cursorDelegate: Box {
                 width: 1
                 color: root.theme.foreground
                 visible: area.cursorVisible

@@ -73,7 +73,7 @@ FocusScope {
                 Repeater {
                     model: root.onboarding.totalSteps
 
-                    Rectangle {
+                    Box {
                         required property int index
 
                         implicitWidth: 28

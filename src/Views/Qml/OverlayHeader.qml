@@ -19,7 +19,7 @@ Item {
 
         spacing: root.gap
 
-        Rectangle {
+        Box {
             width: mode.implicitWidth + 12
             height: mode.implicitHeight + 4
             radius: 4
@@ -49,7 +49,7 @@ Item {
             Repeater {
                 model: root.overlay.stages
 
-                Rectangle {
+                Box {
                     id: cell
 
                     required property string label
@@ -102,7 +102,7 @@ Item {
             Repeater {
                 model: root.overlay.scoreBars
 
-                Rectangle {
+                Box {
                     required property color barColor
 
                     width: 8

@@ -26,11 +26,11 @@ PressButton {
         horizontalAlignment: Text.AlignHCenter
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 5
         color: Qt.alpha(root.theme.white, root.down ? 0.14 : root.hovered ? 0.08 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 
     Tip {

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// A permission that the program needs: granted, or to be asked for.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme
@@ -21,7 +21,7 @@ Rectangle {
     implicitHeight: Math.max(72, line.implicitHeight + 28)
     radius: 10
     color: theme.cardBackground
-    border.color: theme.hairline
+    borderColor: theme.hairline
 
     RowLayout {
         id: line

@@ -42,14 +42,14 @@ PressRadio {
         Accessible.ignored: true
     }
 
-    background: Rectangle {
+    background: Box {
         objectName: "chip"
         radius: height / 2
         color: root.isSelected ? Qt.alpha(root.tint, root.tint.a * 0.3) : Qt.alpha(root.theme.gray, 0.06)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
 
-        Rectangle {
+        Box {
             anchors.fill: parent
             radius: parent.radius
             color: Qt.alpha(root.theme.foreground, root.down ? 0.12 : root.hovered ? 0.06 : 0)

@@ -2,7 +2,7 @@ import QtQuick
 import Corvellan.Views
 
 /// A few letters on a ground of their own. Its button says what it means.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme

@@ -24,10 +24,10 @@ PressButton {
         Accessible.ignored: true
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 5
         color: Qt.alpha(root.theme.foreground, root.down ? 0.14 : root.hovered && root.enabled ? 0.08 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 }

@@ -37,17 +37,17 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 10
         color: root.down ? Qt.darker(root.color, 1.2) : root.hovered ? Qt.lighter(root.color, 1.12) : root.color
 
-        Rectangle {
+        Box {
             anchors.fill: parent
             anchors.margins: -4
             radius: 14
             color: "transparent"
-            border.width: 2
-            border.color: root.theme.focusRing
+            borderWidth: 2
+            borderColor: root.theme.focusRing
             visible: root.visualFocus
         }
     }

@@ -67,14 +67,14 @@ FocusScope {
                 width: Math.min(parent.width - 40, 620)
                 spacing: 16
 
-                Rectangle {
+                Box {
                     Layout.fillWidth: true
                     objectName: "fetchErrorSection"
                     visible: root.picker.fetchError.length > 0
                     implicitHeight: problem.implicitHeight + 20
                     radius: 10
                     color: Qt.alpha(root.theme.red, 0.12)
-                    border.color: Qt.alpha(root.theme.red, 0.35)
+                    borderColor: Qt.alpha(root.theme.red, 0.35)
 
                     ProblemLine {
                         id: problem

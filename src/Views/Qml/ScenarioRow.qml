@@ -58,11 +58,11 @@ PressRadio {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 10
         color: Qt.alpha(root.theme.foreground, root.down ? 0.1 : root.hovered ? 0.05 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
 
         Divider {
             anchors.left: parent.left

@@ -96,7 +96,7 @@ Item {
             visible: root.isOverflowing
             Accessible.ignored: true
 
-            contentItem: Rectangle {
+            contentItem: Box {
                 radius: 2
                 color: Qt.alpha(root.theme.foreground, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
             }
@@ -126,13 +126,13 @@ Item {
         onWheel: event => root.scrollBy(event.pixelDelta.y !== 0 ? -event.pixelDelta.y : -event.angleDelta.y / 3)
     }
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         anchors.margins: 1
         radius: 5
         color: "transparent"
-        border.width: 2
-        border.color: root.theme.focusRing
+        borderWidth: 2
+        borderColor: root.theme.focusRing
         visible: root.activeFocus && root.activeFocusOnTab
     }
 }

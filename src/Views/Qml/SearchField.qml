@@ -6,7 +6,7 @@ import QtQuick.Templates as T
 import Corvellan.Views
 
 /// The field for a company's name. Escape and the button in it empty it.
-Rectangle {
+Box {
     id: root
 
     required property HomeView home
@@ -16,8 +16,8 @@ Rectangle {
     implicitHeight: 40
     radius: 10
     color: root.theme.cardBackground
-    border.width: input.activeFocus ? 2 : 1
-    border.color: input.activeFocus ? Qt.alpha(root.theme.cyan, 0.5) : root.theme.hairline
+    borderWidth: input.activeFocus ? 2 : 1
+    borderColor: input.activeFocus ? Qt.alpha(root.theme.cyan, 0.5) : root.theme.hairline
 
     Binding {
         target: root.home
@@ -74,7 +74,7 @@ Rectangle {
             Accessible.searchEdit: true
             Accessible.description: root.home.isHomeSearching ? qsTr("Searching") : ""
 
-            cursorDelegate: Rectangle {
+            cursorDelegate: Box {
                 width: 1
                 color: root.theme.foreground
                 visible: input.cursorVisible

@@ -31,11 +31,11 @@ FocusScope {
     Keys.onLeftPressed: choose(selected - 1)
     Keys.onRightPressed: choose(selected + 1)
 
-    Rectangle {
+    Box {
         anchors.fill: line
         radius: 7
         color: root.theme.controlBackground
-        border.color: root.theme.controlBorder
+        borderColor: root.theme.controlBorder
     }
 
     RowLayout {
@@ -83,14 +83,14 @@ FocusScope {
                 }
 
                 background: Item {
-                    Rectangle {
+                    Box {
                         anchors.fill: parent
                         anchors.margins: 2
                         radius: 5
                         color: segment.isSelected ? Qt.alpha(root.theme.accent, segment.down ? 0.42 : 0.3)
                              : Qt.alpha(root.theme.foreground, segment.down ? 0.14 : segment.hovered ? 0.07 : 0)
-                        border.width: segment.visualFocus ? 2 : 0
-                        border.color: root.theme.focusRing
+                        borderWidth: segment.visualFocus ? 2 : 0
+                        borderColor: root.theme.focusRing
                     }
                 }
             }

@@ -15,12 +15,12 @@ Item {
     implicitWidth: words.implicitWidth + 12
     implicitHeight: Math.max(words.implicitHeight + 8, theme.hitTarget)
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         radius: 6
         color: "transparent"
-        border.width: 2
-        border.color: root.theme.focusRing
+        borderWidth: 2
+        borderColor: root.theme.focusRing
         visible: words.activeFocus
     }
     TextEdit {

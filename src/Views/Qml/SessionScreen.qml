@@ -46,7 +46,7 @@ FocusScope {
             objectName: "sessionHeader"
             views: root.views
         }
-        Rectangle {
+        Box {
             Layout.fillWidth: true
             implicitHeight: 1
             color: Qt.alpha(root.views.callTheme.white, 0.1)
@@ -64,7 +64,7 @@ FocusScope {
                 overlay: root.views.overlay
                 theme: root.views.callTheme
             }
-            Rectangle {
+            Box {
                 x: overlay.width
                 width: 1
                 height: parent.height

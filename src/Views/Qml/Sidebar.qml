@@ -21,7 +21,7 @@ FocusScope {
                 tabs.itemAt(i).forceActiveFocus(Qt.TabFocusReason);
     }
 
-    Rectangle {
+    Box {
         anchors.fill: parent
         color: root.theme.cardBackground
     }

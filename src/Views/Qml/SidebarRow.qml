@@ -48,12 +48,12 @@ PressButton {
         }
     }
 
-    background: Rectangle {
+    background: Box {
         radius: 6
         color: root.isSelected ? Qt.alpha(root.accent, root.down ? 0.2 : root.hovered ? 0.15 : 0.1)
                                : Qt.alpha(root.theme.foreground, root.down ? 0.12 : root.hovered ? 0.06 : 0)
-        border.width: root.visualFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.visualFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 
     Tip {

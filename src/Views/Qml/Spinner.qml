@@ -19,7 +19,7 @@ Item {
     Repeater {
         model: root.dots
 
-        Rectangle {
+        Box {
             required property int index
             readonly property real angle: 2 * Math.PI * index / root.dots
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvellan.Views
 
 /// A coloured dot. Decoration: what it means stands beside it in words.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme

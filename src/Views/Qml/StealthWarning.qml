@@ -22,14 +22,14 @@ Item {
     Accessible.ignored: !root.visible
     Accessible.focusable: true
 
-    Rectangle {
+    Box {
         anchors.centerIn: parent
         width: 20
         height: 22
         radius: 5
         color: "transparent"
-        border.width: root.activeFocus ? 2 : 0
-        border.color: root.theme.focusRing
+        borderWidth: root.activeFocus ? 2 : 0
+        borderColor: root.theme.focusRing
     }
 
     IconLabel {

@@ -45,11 +45,11 @@ ColumnLayout {
                     Accessible.ignored: true
                 }
             }
-            background: Rectangle {
+            background: Box {
                 radius: 6
                 color: Qt.alpha(root.theme.foreground, backButton.down ? 0.14 : backButton.hovered ? 0.08 : 0)
-                border.width: backButton.visualFocus ? 2 : 0
-                border.color: root.theme.focusRing
+                borderWidth: backButton.visualFocus ? 2 : 0
+                borderColor: root.theme.focusRing
             }
         }
         ReadOut {
@@ -103,18 +103,18 @@ ColumnLayout {
                 verticalAlignment: Text.AlignVCenter
                 Accessible.ignored: true
             }
-            background: Rectangle {
+            background: Box {
                 radius: 7
                 color: done.down ? Qt.darker(root.theme.cyan, 1.2)
                      : done.hovered ? Qt.lighter(root.theme.cyan, 1.12) : root.theme.cyan
 
-                Rectangle {
+                Box {
                     anchors.fill: parent
                     anchors.margins: -3
                     radius: 10
                     color: "transparent"
-                    border.width: 2
-                    border.color: root.theme.focusRing
+                    borderWidth: 2
+                    borderColor: root.theme.focusRing
                     visible: done.visualFocus
                 }
             }

@@ -2,7 +2,7 @@ import QtQuick
 import Corvellan.Views
 
 /// A word on a ground of its own colour.
-Rectangle {
+Box {
     id: root
 
     required property Theme theme

@@ -28,9 +28,9 @@ T.ToolTip {
         wrapMode: Text.Wrap
     }
 
-    background: Rectangle {
+    background: Box {
         color: root.theme.popupBackground
-        border.color: Qt.alpha(root.theme.foreground, 0.15)
+        borderColor: Qt.alpha(root.theme.foreground, 0.15)
         radius: 5
     }
 }

@@ -56,7 +56,7 @@ FocusScope {
             Layout.rightMargin: root.margin - 6
             spacing: 6
 
-            Rectangle {
+            Box {
                 objectName: "statusDot"
                 implicitWidth: 6
                 implicitHeight: 6
@@ -117,12 +117,12 @@ FocusScope {
                 color: Qt.alpha(root.theme.orange, 0.6)
             }
         }
-        Rectangle {
+        Box {
             Layout.fillWidth: true
             implicitHeight: 1
             color: Qt.alpha(root.theme.white, 0.1)
         }
-        Rectangle {
+        Box {
             Layout.fillWidth: true
             Layout.leftMargin: root.margin
             Layout.rightMargin: root.margin
@@ -218,7 +218,7 @@ FocusScope {
                     visible: list.contentHeight > list.height
                     Accessible.ignored: true
 
-                    contentItem: Rectangle {
+                    contentItem: Box {
                         radius: 2
                         color: Qt.alpha(root.theme.white, bar.pressed ? 0.6 : bar.hovered ? 0.45 : 0.25)
                     }
@@ -300,12 +300,12 @@ FocusScope {
                 onWheel: event => list.scrollBy(event.pixelDelta.y !== 0 ? -event.pixelDelta.y : -event.angleDelta.y / 3)
             }
 
-            Rectangle {
+            Box {
                 anchors.fill: parent
                 radius: 5
                 color: "transparent"
-                border.width: 2
-                border.color: root.theme.focusRing
+                borderWidth: 2
+                borderColor: root.theme.focusRing
                 visible: list.activeFocus
             }
 

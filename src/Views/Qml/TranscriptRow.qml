@@ -22,7 +22,7 @@ Item {
     Accessible.role: Accessible.ListItem
     Accessible.name: qsTr("%1: %2").arg(root.tag).arg(root.text)
 
-    Rectangle {
+    Box {
         width: parent.width
         height: 1
         objectName: "hairline"

@@ -134,7 +134,7 @@ ScreenCase {
         const field = control(screen, "search");
         tryVerify(() => field.activeFocus);
         compare(control(screen, "searchIcon").color, homeDriver.theme.cyan);
-        compare(control(screen, "searchField").border.color, Qt.alpha(homeDriver.theme.cyan, 0.5));
+        compare(control(screen, "searchField").borderColor, Qt.alpha(homeDriver.theme.cyan, 0.5));
         compare(driver.spoken(field).name, "Search company");
         keyClick(Qt.Key_Tab);
         verify(!field.activeFocus);
