@@ -42,59 +42,64 @@ FocusScope {
                     Layout.fillWidth: true
                     objectName: "calendarProblem"
                     visible: root.calendar.calendarError.length > 0
-                    implicitHeight: trouble.implicitHeight + 28
+                    implicitHeight: Math.max(words.height, retry.height) + 28
                     radius: 10
                     color: root.theme.cardBackground
                     borderColor: root.theme.hairline
 
-                    RowLayout {
-                        id: trouble
+                    // No layouts: one that holds wrapped text and a button settles only in a third round, and Qt
+                    // gives up after two.
+                    IconLabel {
+                        id: sign
 
-                        anchors.left: parent.left
-                        anchors.right: parent.right
+                        x: 14
+                        y: 14
+                        theme: root.theme
+                        symbol: "exclamationmark.triangle.fill"
+                        size: 18
+                        color: root.theme.orange
+                    }
+                    Column {
+                        id: words
+
+                        anchors.left: sign.right
+                        anchors.right: retry.left
                         anchors.verticalCenter: parent.verticalCenter
-                        anchors.margins: 14
-                        spacing: 12
+                        anchors.margins: 12
+                        spacing: 3
 
-                        IconLabel {
-                            Layout.alignment: Qt.AlignTop
+                        ReadOut {
+                            width: parent.width
                             theme: root.theme
-                            symbol: "exclamationmark.triangle.fill"
-                            size: 18
-                            color: root.theme.orange
+                            text: qsTr("Calendar unavailable")
+                            size: 14
+                            font.weight: Font.DemiBold
+                            wrapMode: Text.Wrap
+                            Accessible.role: Accessible.Heading
                         }
-                        ColumnLayout {
-                            Layout.fillWidth: true
-                            spacing: 3
+                        ReadOut {
+                            id: problem
 
-                            ReadOut {
-                                Layout.fillWidth: true
-                                theme: root.theme
-                                text: qsTr("Calendar unavailable")
-                                size: 14
-                                font.weight: Font.DemiBold
-                                wrapMode: Text.Wrap
-                                Accessible.role: Accessible.Heading
-                            }
-                            ReadOut {
-                                id: problem
-
-                                Layout.fillWidth: true
-                                objectName: "calendarError"
-                                theme: root.theme
-                                text: root.calendar.calendarError
-                                size: 12
-                                color: root.theme.secondary
-                                wrapMode: Text.Wrap
-                                Accessible.role: Accessible.AlertMessage
-                            }
-                        }
-                        FormButton {
-                            objectName: "retry"
+                            width: parent.width
+                            objectName: "calendarError"
                             theme: root.theme
-                            text: qsTr("Retry")
-                            onClicked: root.calendar.refresh()
+                            text: root.calendar.calendarError
+                            size: 12
+                            color: root.theme.secondary
+                            wrapMode: Text.Wrap
+                            Accessible.role: Accessible.AlertMessage
                         }
+                    }
+                    FormButton {
+                        id: retry
+
+                        anchors.right: parent.right
+                        anchors.rightMargin: 14
+                        anchors.verticalCenter: parent.verticalCenter
+                        objectName: "retry"
+                        theme: root.theme
+                        text: qsTr("Retry")
+                        onClicked: root.calendar.refresh()
                     }
                     AccessibleAlert {
                         target: problem

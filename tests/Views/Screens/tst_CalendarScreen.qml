@@ -83,6 +83,23 @@ ScreenCase {
         tryVerify(() => !shows(screen, "calendarProblem"));
     }
 
+    function test_anErrorFindsItsPlaceAtOnce_data() {
+        return [320, 508, 680].map(width => ({ tag: width.toString(), width: width }));
+    }
+
+    function test_anErrorFindsItsPlaceAtOnce(data) {
+        failOnWarning(/Polish loop/);
+        homeDriver.setCalendarError("Failed to fetch meetings: Briefing API error (HTTP 503)");
+        const screen = createTemporaryObject(content, testCase, { width: data.width });
+        waitForRendering(screen);
+        const card = control(screen, "calendarProblem");
+        const error = control(screen, "calendarError");
+        const retry = control(screen, "retry");
+        verify(error.mapToItem(card, 0, error.height).y <= card.height - 12);
+        verify(error.mapToItem(card, error.width, 0).x < retry.mapToItem(card, 0, 0).x);
+        verify(retry.mapToItem(card, retry.width, 0).x < card.width);
+    }
+
     function test_retryAsksAgain() {
         homeDriver.signOut();
         homeDriver.setCalendarError("Authentication expired");
