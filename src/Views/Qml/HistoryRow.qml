@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// One session of the history.
-PressButton {
+PressRow {
     id: root
 
     required property Theme theme
@@ -28,7 +28,6 @@ PressButton {
     rightPadding: 10
     focusPolicy: Qt.NoFocus
     text: spoken
-    Accessible.role: Accessible.ListItem
 
     contentItem: RowLayout {
         spacing: 12

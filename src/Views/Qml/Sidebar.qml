@@ -64,7 +64,7 @@ FocusScope {
 
                             model: root.dashboard.visibleTabs
 
-                            SidebarRow {
+                            SidebarTab {
                                 required property var modelData
                                 required property int index
 
@@ -73,12 +73,8 @@ FocusScope {
                                 theme: root.theme
                                 text: modelData.title
                                 symbol: modelData.symbol
-                                plainColor: root.theme.foreground
                                 isSelected: root.dashboard.selectedTab === modelData.name
                                 onClicked: root.dashboard.selectTab(modelData.name)
-                                Accessible.role: Accessible.PageTab
-                                Accessible.selectable: true
-                                Accessible.selected: isSelected
                                 Keys.onUpPressed: tabs.step(index - 1)
                                 Keys.onDownPressed: tabs.step(index + 1)
                             }
@@ -101,7 +97,7 @@ FocusScope {
 
                             model: root.dashboard.modes
 
-                            SidebarRow {
+                            SidebarMode {
                                 required property string label
                                 required symbol
                                 required accent
@@ -112,11 +108,7 @@ FocusScope {
                                 objectName: "mode-" + index
                                 theme: root.theme
                                 text: label
-                                symbolSize: 12
                                 onClicked: root.dashboard.chooseMode(index)
-                                Accessible.role: Accessible.RadioButton
-                                Accessible.checkable: true
-                                Accessible.checked: isSelected
                                 Keys.onUpPressed: modes.step(index - 1)
                                 Keys.onDownPressed: modes.step(index + 1)
                             }

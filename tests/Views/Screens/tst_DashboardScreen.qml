@@ -39,6 +39,22 @@ ScreenCase {
         tryVerify(() => findChild(window, "form") !== null);
     }
 
+    function test_tabsModesAndDeedsAreSpokenAsWhatTheyAre() {
+        const window = make();
+        for (const [name, role] of [["tab-home", Accessible.PageTab], ["tab-settings", Accessible.PageTab],
+                                    ["mode-0", Accessible.RadioButton], ["mode-1", Accessible.RadioButton],
+                                    ["crmChat", Accessible.Button]])
+            compare(driver.spoken(control(window, name)).role, role, name);
+        verify(!driver.spoken(control(window, "tab-settings")).isSelected);
+        verify(driver.spoken(control(window, "mode-0")).isCheckable);
+        verify(driver.pressThroughAccessibility(control(window, "tab-settings")));
+        verify(driver.spoken(control(window, "tab-settings")).isSelected);
+        verify(!driver.spoken(control(window, "tab-home")).isSelected);
+        verify(driver.pressThroughAccessibility(control(window, "mode-1")));
+        verify(driver.spoken(control(window, "mode-1")).isChecked);
+        verify(!driver.spoken(control(window, "mode-0")).isChecked);
+    }
+
     function test_arrowsWalkAlongTheTabs() {
         const window = make();
         const home = control(window, "tab-home");
