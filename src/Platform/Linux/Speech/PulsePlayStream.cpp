@@ -4,10 +4,18 @@ namespace corvellan {
 
 namespace {
 
-/// How much stands between the program and the ear: little enough to be silent at once, and enough for a
-/// busy computer.
-constexpr std::uint32_t targetPerSecond = 10;
-constexpr std::uint32_t stepsPerSecond = 50;
+/// How much stands between the program and the ear. The server mixes half of what the target has beyond two steps
+/// ahead, 30 milliseconds: only that is heard after the end of the stream. The rest waits unmixed, never less than a
+/// quarter of a second, so that a busy computer is not heard.
+constexpr std::uint32_t targetMilliseconds = 500;
+constexpr std::uint32_t stepMilliseconds = 220;
+/// From here on it is played.
+constexpr std::uint32_t firstMilliseconds = 20;
+
+std::uint32_t bytesOf(std::uint32_t milliseconds, std::uint32_t sampleRateHertz) {
+    constexpr std::uint32_t perSecond = 1000;
+    return sampleRateHertz * milliseconds / perSecond * static_cast<std::uint32_t>(sizeof(float));
+}
 
 }  // namespace
 
@@ -24,9 +32,9 @@ std::unique_ptr<PulsePlayStream> PulsePlayStream::open(pa_context* context, cons
     pa_buffer_attr wishes{};
     wishes.maxlength = static_cast<std::uint32_t>(-1);
     wishes.fragsize = static_cast<std::uint32_t>(-1);
-    wishes.tlength = sampleRateHertz / targetPerSecond * static_cast<std::uint32_t>(sizeof(float));
-    wishes.minreq = sampleRateHertz / stepsPerSecond * static_cast<std::uint32_t>(sizeof(float));
-    wishes.prebuf = wishes.minreq;
+    wishes.tlength = bytesOf(targetMilliseconds, sampleRateHertz);
+    wishes.minreq = bytesOf(stepMilliseconds, sampleRateHertz);
+    wishes.prebuf = bytesOf(firstMilliseconds, sampleRateHertz);
     if (pa_stream_connect_playback(raw, nullptr, &wishes, PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0)
         return nullptr;
 

@@ -101,6 +101,21 @@ TEST_F(EspeakSynthesizerTest, isSilentSoonAfterStopAndEndsEveryUtterance) {
     expectToBeHeard(*synthesizer, utterance(u"Again."_s));
 }
 
+TEST_F(EspeakSynthesizerTest, enoughWaitsAtTheSoundServerForABusyComputerAndLittleIsMixed) {
+    PrivatePulse pulse;
+    const auto listening = hearOutput();
+    const auto synthesizer = make();
+    prepare(*synthesizer);
+    synthesizer->speak(utterance(longText));
+    ASSERT_TRUE(spinUntil([&] { return heard.wasAudible(); }));
+    const QString inputs = QString::fromUtf8(pulse.control({u"list"_s, u"sink-inputs"_s}));
+    const auto milliseconds = [&](const QString& name) {
+        return inputs.section(name, 1, 1).section(u"usec"_s, 0, 0).trimmed().toDouble() / 1000;
+    };
+    EXPECT_GT(milliseconds(u"Buffer Latency:"_s), 200) << qPrintable(inputs);
+    EXPECT_LT(milliseconds(u"Sink Latency:"_s), 50) << qPrintable(inputs);
+}
+
 TEST_F(EspeakSynthesizerTest, stopWhenSilentEndsNothing) {
     PrivatePulse pulse;
     const auto synthesizer = make();
