@@ -31,7 +31,7 @@ class Session:
         self.replies = [
             self.reply(0, 0.0, 4.0, "Grace here. What is it?"),
             self.reply(1, 4.0, 10.0, "Two cases are open. It is painful."),
-            self.reply(2, 10.0, 17.0, "Two percent of our margin. That is documented.", skipped_at=SKIPPED_AT),
+            self.reply(2, 10.0, 17.0, "Two percent of our margin. That is documented.", skipped_at=SKIPPED_AT, key_at=SKIPPED_AT),
             self.reply(3, 17.0, SECONDS, "Our finance chief.", is_muted=True),
         ]
         # (reply, piece): when it is heard. The last one is cut off 30 ms after the key.
@@ -89,6 +89,7 @@ class Session:
         voices.write_wav(self.folder / "mic.wav", self.microphone, RATE)
         self.report, failures = training_judgement.judge(training_judgement.Evidence(
             lines=self.lines, replies=self.replies, sentence_ends=self.sentence_ends, heard=self.heard, rate=RATE,
+            heard_at=lambda place: place,
             record=self.record, counters=self.counters, received=self.folder, shown=self.shown,
             scenario="retail_renewal", history=self.history))
         return [failure.split(":")[0] for failure in failures]

@@ -1,5 +1,6 @@
 """What the default output plays, kept from its beginning on, with the time at which it was heard."""
 
+import bisect
 import subprocess
 import threading
 import time
@@ -10,8 +11,6 @@ import voices
 
 RATE = 24_000
 BYTES_PER_SECOND = 2 * RATE
-# As long as the sound server gathers what it hands over.
-PIECE_MILLISECONDS = 20
 
 
 def default_output():
@@ -19,15 +18,17 @@ def default_output():
 
 
 class Recorder:
-    def __init__(self):
+    def __init__(self, piece_milliseconds=20):
+        """The sound server hands over so much at a time: no moment is known better than that. Less makes it hurry."""
         # By its name: not every server means the output's monitor by @DEFAULT_MONITOR@.
         command = ["parec", "-d", f"{default_output()}.monitor", "--raw", "--format=s16le", f"--rate={RATE}", "--channels=1"]
-        self._process = subprocess.Popen([*command, f"--latency-msec={PIECE_MILLISECONDS}"], stdin=subprocess.DEVNULL,
+        self._process = subprocess.Popen([*command, f"--latency-msec={piece_milliseconds}"], stdin=subprocess.DEVNULL,
                                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self._lock = threading.Lock()
         self._heard = bytearray()
-        # The piece that was the least late tells best when all began.
-        self._began = float("inf")
+        # When each piece came, and how much there was with it.
+        self._arrivals = []
+        self._ends = []
         self._last_loud = float("-inf")
         self._thread = threading.Thread(target=self._read, daemon=True)
         self._thread.start()
@@ -39,7 +40,8 @@ class Recorder:
             level = numpy.sqrt(numpy.mean(samples_of(piece[: len(piece) // 2 * 2]) ** 2))
             with self._lock:
                 self._heard += piece
-                self._began = min(self._began, now - len(self._heard) / BYTES_PER_SECOND)
+                self._arrivals.append(now)
+                self._ends.append(len(self._heard) / BYTES_PER_SECOND)
                 if level > voices.LOUD:
                     self._last_loud = now
 
@@ -48,9 +50,21 @@ class Recorder:
             return len(self._heard) > 0 and self._process.poll() is None
 
     def place_of(self, moment):
-        """Where in the recording, in seconds, that is what was heard at this moment of the monotonic clock."""
+        """How many seconds of the recording had come by this moment of the monotonic clock."""
         with self._lock:
-            return moment - self._began
+            come = bisect.bisect_right(self._arrivals, moment)
+            return self._ends[come - 1] if come else 0.0
+
+    def seconds_at(self, moment):
+        """This moment of the monotonic clock, counted from the recording's beginning."""
+        with self._lock:
+            return moment - (self._arrivals[0] - self._ends[0])
+
+    def heard_at(self, place):
+        """When the sound server gave away what stands at this place of the recording, counted as in `seconds_at`."""
+        with self._lock:
+            piece = min(bisect.bisect_left(self._ends, place), len(self._ends) - 1)
+            return self._arrivals[piece] - (self._arrivals[0] - self._ends[0])
 
     def quiet_seconds(self):
         with self._lock:

@@ -29,6 +29,8 @@ SKIP_HINT = "SPACE to skip"
 SKIPPED, MUTED = 2, 3
 # Silence so long is the end of what the buyer says, and longer than any pause between its sentences.
 TURN_ENDS_AFTER = 1.2
+# From the loudspeaker to the microphone: a large room, but less would make the sound server hurry.
+ROOM_MILLISECONDS = 60
 # An end that was cut leaves an echo in the room, which the provider must not take for the next line's beginning.
 ECHO_ENDS_AFTER = 2.6
 SKIP_AFTER = 0.8
@@ -96,7 +98,7 @@ class Training(Demo):
         """The microphone hears the loudspeaker, and so do we."""
         self.recorder = recorder.Recorder()
         output = recorder.default_output()
-        load = ["pactl", "load-module", "module-loopback", f"source={output}.monitor", "sink=micfeed", "latency_msec=20"]
+        load = ["pactl", "load-module", "module-loopback", f"source={output}.monitor", "sink=micfeed", f"latency_msec={ROOM_MILLISECONDS}"]
         self.room = subprocess.run(load, check=True, capture_output=True, text=True, timeout=10).stdout.strip()
         wait_for("the sound of the output", 10, self.recorder.is_running)
 
@@ -122,6 +124,7 @@ class Training(Demo):
             time.sleep(SKIP_AFTER)
             say("==> Pressing SPACE")
             reply.skipped_at = self.now()
+            reply.key_at = self.recorder.seconds_at(time.monotonic())
             self.program.key("space")
         say(f"    {self.clock()}  Buyer: {reply.text}" + (" (muted)" if reply.is_muted else ""))
         reply.is_shown = self.is_shown(reply.text)
@@ -164,7 +167,7 @@ class Training(Demo):
         return told[number] if len(told) > number else None
 
     def sentence_ends(self):
-        """When each sentence of the buyer's had left the sandbox, as a place in the recording."""
+        """When each sentence of the buyer's had left the sandbox."""
         ends = []
         for hour, minute, second, text in re.findall(r"^(\d\d):(\d\d):([\d.]+)  coach +#\d+ says: (.*)$", self.sandbox_log(),
                                                      re.MULTILINE):
@@ -172,7 +175,7 @@ class Training(Demo):
             midnight = self.wall_offset + self.began - (self.wall_offset + self.began) % 86_400
             moment = midnight + of_day - self.wall_offset
             # One that began before midnight ends after it.
-            ends.append((text, self.recorder.place_of(moment if moment > self.began - 3600 else moment + 86_400)))
+            ends.append((text, self.recorder.seconds_at(moment if moment > self.began - 3600 else moment + 86_400)))
         return ends
 
     def now(self):
@@ -197,6 +200,7 @@ class Training(Demo):
             replies=self.replies,
             sentence_ends=self.sentence_ends(),
             heard=heard,
+            heard_at=self.recorder.heard_at,
             rate=recorder.RATE,
             record=self.newest_record(),
             counters=self.counters,

@@ -4,6 +4,7 @@ was taken for the salesperson's, and the record; times, CPU and memory are only 
 
 import re
 import statistics
+from collections.abc import Callable
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -33,12 +34,14 @@ MOST_ECHO = 0.3
 
 @dataclass
 class Reply:
-    """One reply of the buyer. Times are seconds of the recording."""
+    """One reply of the buyer. Times are places in the recording, in seconds."""
 
     number: int
     begin: float
     is_muted: bool = False
     skipped_at: float | None = None
+    # The moment of the key, as `Evidence.heard_at` counts.
+    key_at: float | None = None
     text: str = ""
     is_shown: bool = False
     end: float = 0.0
@@ -54,9 +57,11 @@ class Reply:
 class Evidence:
     lines: list
     replies: list
-    # (sentence, seconds of the recording) when its last word had left the server.
+    # (sentence, when its last word had left the server), as `heard_at` counts.
     sentence_ends: list
     heard: numpy.ndarray
+    # When what stands at a place of the recording was heard, in seconds.
+    heard_at: Callable[[float], float]
     rate: int
     record: dict | None
     counters: dict
@@ -118,13 +123,13 @@ def judge_speech(evidence, report, failures):
     for reply in evidence.replies:
         if ear.skip_to(reply.begin) > 0:
             failures.append(f"speech: something was heard before {reply.name}")
-        spoken = [] if reply.is_muted else judge_pieces(reply, ear, report, failures)
+        spoken = [] if reply.is_muted else judge_pieces(evidence, reply, ear, report, failures)
         if ear.next_sound(before=reply.end) is not None:
             failures.append(f"speech: {reply.name} was muted, and is heard" if reply.is_muted else
                             f"speech: more was heard of {reply.name} than it has to say")
         ear.skip_to(reply.end)
         report["spoken"] += spoken
-        latency = first_sound_latency(reply, spoken, evidence.sentence_ends)
+        latency = first_sound_latency(evidence, reply, spoken)
         if latency is not None:
             report["first_sound_ms"].append(latency)
     if ear.next_sound() is not None:
@@ -132,7 +137,7 @@ def judge_speech(evidence, report, failures):
     report["speech_correlation"] = min((entry["correlation"] for entry in report["spoken"]), default=0.0)
 
 
-def judge_pieces(reply, ear, report, failures):
+def judge_pieces(evidence, reply, ear, report, failures):
     spoken = []
     for piece in reply.pieces:
         begin = ear.next_sound(before=reply.end)
@@ -145,7 +150,7 @@ def judge_pieces(reply, ear, report, failures):
         end = None
         if reply.skipped_at is not None and begin + piece.seconds > reply.skipped_at:
             end = ear.end_of_sound(before=min(reply.end, reply.skipped_at + SKIPPED_WITHIN))
-            report["skipped_silent_after_ms"] = round(1000 * (end - reply.skipped_at), 1)
+            report["skipped_silent_after_ms"] = round(1000 * (evidence.heard_at(end) - reply.key_at), 1)
         sound = ear.take(piece.speech, piece.rate, end)
         spoken.append({"reply": reply.number, "text": piece.text, "correlation": round(sound.correlation, 4),
                        "start": round(sound.start, 3), "end": round(sound.end, 3)})
@@ -160,13 +165,13 @@ def judge_pieces(reply, ear, report, failures):
     return spoken
 
 
-def first_sound_latency(reply, spoken, sentence_ends):
+def first_sound_latency(evidence, reply, spoken):
     """Milliseconds from the end of the reply's first sentence to its first sound, where they are one piece."""
     if not spoken:
         return None
     first = spoken[0]
-    ends = [place for text, place in sentence_ends if text == first["text"] and reply.begin <= place < reply.end]
-    return round(1000 * (first["start"] - ends[0]), 1) if ends else None
+    ends = [place for text, place in evidence.sentence_ends if text == first["text"] and reply.begin <= place < reply.end]
+    return round(1000 * (evidence.heard_at(first["start"]) - ends[0]), 1) if ends else None
 
 
 def judge_microphone(evidence, report, failures):
