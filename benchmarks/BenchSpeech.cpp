@@ -36,7 +36,7 @@ public:
                 isStop ? i + 1 == m_text.size() || m_text.at(i + 1).isSpace() : character == u',' && i >= 40;
             if (!ends)
                 continue;
-            const QString sentence = m_text.first(i + 1).trimmed();
+            QString sentence = m_text.first(i + 1).trimmed();
             m_text.remove(0, i + 1);
             return sentence;
         }
