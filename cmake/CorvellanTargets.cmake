@@ -36,11 +36,12 @@ function(corvellan_interface name)
     target_link_libraries(corvellan${name} INTERFACE ${ARG_PUBLIC})
 endfunction()
 
-# corvellan_test(BaseTest SOURCES ... LINK ... [LABELS ...] [LOCKS ...] [TIMEOUT seconds] [WITH_DISPLAY] [WITH_BUS])
+# corvellan_test(BaseTest SOURCES ... LINK ... [LABELS ...] [LOCKS ...] [TIMEOUT seconds] [WITH_DISPLAY] [WITH_BUS]
+#                [WITH_ACCESSIBILITY])
 # A GoogleTest program that is one CTest test; its cases are run in one process, off-screen or on an X display, and
-# with a D-Bus session of its own if it wants one.
+# with a D-Bus session of its own if it wants one, or with such a session and an accessibility bus.
 function(corvellan_test name)
-    cmake_parse_arguments(ARG "WITH_DISPLAY;WITH_BUS" "TIMEOUT" "SOURCES;LINK;LABELS;LOCKS" ${ARGN})
+    cmake_parse_arguments(ARG "WITH_DISPLAY;WITH_BUS;WITH_ACCESSIBILITY" "TIMEOUT" "SOURCES;LINK;LABELS;LOCKS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE corvellanOptions Corvellan::TestSupport ${ARG_LINK})
@@ -50,8 +51,11 @@ function(corvellan_test name)
         set(platform xcb)
         list(APPEND around ${CMAKE_SOURCE_DIR}/tests/Support/with-display)
     endif()
-    if(ARG_WITH_BUS)
+    if(ARG_WITH_BUS OR ARG_WITH_ACCESSIBILITY)
         list(APPEND around ${CMAKE_SOURCE_DIR}/tests/Support/with-bus)
+    endif()
+    if(ARG_WITH_ACCESSIBILITY)
+        list(APPEND around ${CMAKE_SOURCE_DIR}/tests/Support/with-accessibility)
     endif()
     add_test(NAME ${name} COMMAND ${around} $<TARGET_FILE:${name}>)
     if(NOT ARG_TIMEOUT)

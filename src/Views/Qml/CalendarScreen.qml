@@ -87,7 +87,7 @@ FocusScope {
                             size: 12
                             color: root.theme.secondary
                             wrapMode: Text.Wrap
-                            Accessible.role: Accessible.AlertMessage
+                            Accessible.role: Accessible.Notification
                         }
                     }
                     FormButton {

@@ -64,11 +64,13 @@ ColumnLayout {
         font.weight: root.overlay.hasMessage ? Font.Medium : Font.Normal
         color: root.overlay.hasMessage ? root.theme.white : Qt.alpha(root.theme.white, 0.3)
         wrapMode: Text.Wrap
+        Accessible.role: Accessible.Notification
     }
 
     AccessibleAlert {
         objectName: "tipAlert"
         target: message
+        isSilent: !root.visible
         text: root.overlay.hasMessage ? root.overlay.message : ""
     }
 

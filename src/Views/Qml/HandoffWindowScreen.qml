@@ -135,6 +135,7 @@ Box {
             size: 11
             color: root.theme.errorText
             wrapMode: Text.Wrap
+            Accessible.role: Accessible.Notification
 
             AccessibleAlert {
                 target: notice

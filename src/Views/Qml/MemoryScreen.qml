@@ -125,6 +125,7 @@ FocusScope {
                             text: qsTr("Saved")
                             size: 13
                             color: root.theme.green
+                            Accessible.role: Accessible.Notification
 
                             AccessibleAlert {
                                 target: badge

@@ -76,9 +76,12 @@ RowLayout {
         color: Qt.alpha(root.theme.white, root.overlay.hasMessage ? 1 : 0.5)
         elide: Text.ElideRight
         maximumLineCount: 1
+        Accessible.role: Accessible.Notification
     }
     AccessibleAlert {
+        objectName: "miniTipAlert"
         target: message
+        isSilent: !root.visible
         text: root.overlay.hasMessage ? root.overlay.message : ""
     }
     ReadOut {

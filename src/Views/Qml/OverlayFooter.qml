@@ -25,7 +25,7 @@ RowLayout {
         wrapMode: Text.Wrap
         elide: Text.ElideRight
         maximumLineCount: 2
-        Accessible.role: Accessible.AlertMessage
+        Accessible.role: Accessible.Notification
 
         HoverHandler {
             id: pointer
@@ -42,6 +42,7 @@ RowLayout {
     }
 
     AccessibleAlert {
+        objectName: "problemAlert"
         target: problem
         text: root.overlay.errorMessage
     }

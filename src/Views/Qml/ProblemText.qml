@@ -11,7 +11,7 @@ ReadOut {
     size: 12
     color: theme.named[colorName]
     wrapMode: Text.Wrap
-    Accessible.role: Accessible.AlertMessage
+    Accessible.role: Accessible.Notification
 
     AccessibleAlert {
         target: root

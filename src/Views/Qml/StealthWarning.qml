@@ -17,7 +17,7 @@ Item {
     implicitHeight: theme.hitTarget
     activeFocusOnTab: true
 
-    Accessible.role: Accessible.AlertMessage
+    Accessible.role: Accessible.Notification
     Accessible.name: root.stealth.warningText
     Accessible.ignored: !root.visible
     Accessible.focusable: true

@@ -195,6 +195,7 @@ ColumnLayout {
         size: 12
         color: root.theme.secondary
         wrapMode: Text.WrapAtWordBoundaryOrAnywhere
+        Accessible.role: Accessible.Notification
     }
     AccessibleAlert {
         target: notice

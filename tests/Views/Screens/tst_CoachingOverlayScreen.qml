@@ -248,11 +248,25 @@ ScreenCase {
         alerts.target = findChild(screen, "tipAlert");
         alerts.clear();
         driver.tip("whisper", "", "Ask about budget");
-        compare(alerts.count, 1);
+        tryCompare(alerts, "count", 1);
         compare(alerts.target.target, findChild(screen, "message"));
-        compare(alerts.target.target.Accessible.name, "Ask about budget");
+        compare(driver.spoken(alerts.target.target).name, "Ask about budget");
+        compare(driver.spoken(alerts.target.target).role, Accessible.Notification);
         driver.setStatus("Coaching");
         driver.tip("whisper", "high", "Ask about budget");
-        compare(alerts.count, 1, "the same tip again");
+        driver.tip("whisper", "high", "Name the next step");
+        tryCompare(alerts, "count", 2);
+        wait(0);
+        compare(alerts.count, 2, "the same tip again");
+    }
+
+    function test_aProblemIsSpoken() {
+        const screen = make();
+        alerts.target = findChild(screen, "problemAlert");
+        alerts.clear();
+        driver.setError("Microphone transcription stopped");
+        tryCompare(alerts, "count", 1);
+        compare(driver.spoken(alerts.target.target).name, "Microphone transcription stopped");
+        compare(driver.spoken(alerts.target.target).role, Accessible.Notification);
     }
 }

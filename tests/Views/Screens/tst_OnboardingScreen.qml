@@ -297,7 +297,7 @@ ScreenCase {
         press(control(window, "enable0"));
         tryVerify(() => { driver.asked(""); return shows(window, "permissionNotice0"); });
         verify(shows(window, "enable0"));
-        compare(driver.spoken(control(window, "permissionNotice0")).role, Accessible.AlertMessage);
+        compare(driver.spoken(control(window, "permissionNotice0")).role, Accessible.Notification);
     }
 
     // Sizes

@@ -19,6 +19,18 @@ ScreenCase {
         }
     }
 
+    SignalSpy {
+        id: overlayAlerts
+
+        signalName: "raised"
+    }
+
+    SignalSpy {
+        id: miniAlerts
+
+        signalName: "raised"
+    }
+
     function init() {
         driver.reset();
     }
@@ -160,6 +172,30 @@ ScreenCase {
         compare(control(window, "miniMessage").font.pixelSize, 11);
         driver.setMode("cold_call");
         verify(!control(window, "miniScore").visible);
+    }
+
+    function test_aTipIsSpokenOnceInEachLayout_data() {
+        return [{ tag: "full", cycles: 0 }, { tag: "coach", cycles: 1 }, { tag: "mini", cycles: 2 }];
+    }
+
+    function test_aTipIsSpokenOnceInEachLayout(data) {
+        const window = make();
+        for (let i = 0; i < data.cycles; ++i)
+            driver.views.live.cycleSessionTab();
+        waitForRendering(window);
+        overlayAlerts.target = control(window, "tipAlert");
+        miniAlerts.target = control(window, "miniTipAlert");
+        overlayAlerts.clear();
+        miniAlerts.clear();
+        const isMini = data.tag === "mini";
+        const shown = isMini ? miniAlerts : overlayAlerts;
+        for (let tips = 1; tips <= 3; ++tips) {
+            driver.tip("whisper", "low", "Tip " + tips);
+            tryCompare(shown, "count", tips);
+        }
+        compare((isMini ? overlayAlerts : miniAlerts).count, 0);
+        compare(driver.spoken(shown.target.target).name, "Tip 3");
+        compare(driver.spoken(shown.target.target).role, Accessible.Notification);
     }
 
     // Transcript panel
