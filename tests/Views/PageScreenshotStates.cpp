@@ -59,6 +59,13 @@ States guideStates() {
             state.pages = page;
             states.push_back(state);
         }
+    for (const bool isLight : {false, true}) {
+        ScreenshotState last =
+            screen(isLight ? u"guide-light-stealth"_s : u"guide-dark-stealth"_s, u"guide"_s, isLight);
+        // More than there are: the end.
+        last.pages = 20;
+        states.push_back(last);
+    }
     ScreenshotState smallest = states.front();
     smallest.name = u"guide-smallest"_s;
     smallest.size = QSize{520, 400};
