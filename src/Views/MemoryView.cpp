@@ -48,6 +48,14 @@ QString MemoryView::counterColor() const {
     return text::count(m_memory) > roomyLength ? u"orange"_s : u"gray"_s;
 }
 
+QString MemoryView::notice() const {
+    return m_isFileKept
+               ? u"The file can't be shown: it is no plain text, larger than 1 MB, or not yours to read. It stays "
+                 "as it is, and no note is sent, until you press Save: then what you have written here "
+                 "replaces it."_s
+               : QString{};
+}
+
 QString MemoryView::fileText() {
     return u"~/.config/corvellan/memory.md"_s;
 }
@@ -67,18 +75,23 @@ void MemoryView::appear() {
 }
 
 void MemoryView::pressSave() {
+    setIsFileKept(false);
     save();
     showSavedBadge();
 }
 
 void MemoryView::load() {
     // Nothing is cut here: a file that was made elsewhere shows whole until somebody edits it.
-    if (const QString memory = MemoryStore::read(m_file).value_or(QString{}); memory != m_memory)
-        change(memory);
+    const auto memory = MemoryStore::read(m_file);
+    setIsFileKept(!memory && QFileInfo::exists(m_file));
+    if (memory && *memory != m_memory)
+        change(*memory);
 }
 
 void MemoryView::debounceSave() {
     setSaved(false);
+    if (m_isFileKept)
+        return;
     m_isSavePending = true;
     m_saveTask = CancellableTask::start([this, &clock = m_clock](std::stop_token stop) -> QCoro::Task<void> {
         if (co_await sleep(clock, pauseBeforeSave, stop) == SleepEnd::interrupted)
@@ -119,6 +132,13 @@ void MemoryView::setSaved(bool saved) {
         return;
     m_saved = saved;
     Q_EMIT savedChanged();
+}
+
+void MemoryView::setIsFileKept(bool isKept) {
+    if (m_isFileKept == isKept)
+        return;
+    m_isFileKept = isKept;
+    Q_EMIT noticeChanged();
 }
 
 }  // namespace corvellan

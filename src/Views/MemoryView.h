@@ -24,6 +24,9 @@ class MemoryView : public QObject {
     Q_PROPERTY(QString counterColor READ counterColor NOTIFY memoryChanged)
     /// The badge "Saved" is on. It tells that the program tried.
     Q_PROPERTY(bool saved READ saved NOTIFY savedChanged)
+    /// What there is to say about the file; empty for nothing. One that stands there and can't be read is kept until
+    /// the user presses "Save".
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     /// The file's place in words for people.
     Q_PROPERTY(QString fileText READ fileText CONSTANT)
 
@@ -37,6 +40,7 @@ public:
     [[nodiscard]] QString counterText() const;
     [[nodiscard]] QString counterColor() const;
     [[nodiscard]] bool saved() const { return m_saved; }
+    [[nodiscard]] QString notice() const;
     [[nodiscard]] static QString fileText();
 
     /// The screen has appeared: starts anew with what the file holds now.
@@ -47,6 +51,7 @@ public:
 Q_SIGNALS:
     void memoryChanged();
     void savedChanged();
+    void noticeChanged();
 
 private:
     void load();
@@ -56,12 +61,15 @@ private:
     void save() const;
     void change(const QString& memory);
     void setSaved(bool saved);
+    void setIsFileKept(bool isKept);
 
     Clock& m_clock;
     QString m_file;
     QString m_memory;
     TaskSlot m_saveTask;
     bool m_saved = false;
+    /// The file can't be read, and nobody has decided yet that it goes.
+    bool m_isFileKept = false;
     /// An edit is not in the file yet.
     bool m_isSavePending = false;
     /// Ends the badges' timers with the screen that they belong to.

@@ -243,6 +243,45 @@ TEST_F(MemoryViewTest, aFileThatCanNotBeReadLeavesTheEditorEmptyAndIsLeftAlone) 
     EXPECT_EQ(written(), latin1);
 }
 
+TEST_F(MemoryViewTest, aFileThatCanNotBeReadIsKeptWhateverIsTypedUntilSaveIsPressed) {
+    for (const QByteArray& bytes : {QByteArray{"caf\xe9, north"}, QByteArray(MemoryStore::largestNoteBytes + 1, 'a')}) {
+        openOn(bytes);
+        EXPECT_FALSE(view().notice().isEmpty());
+        view().setMemory(note);
+        pass(10s);
+        EXPECT_FALSE(view().saved());
+        EXPECT_EQ(written(), bytes);
+
+        view().pressSave();
+        EXPECT_EQ(written(), noteBytes);
+        EXPECT_TRUE(view().saved());
+        EXPECT_TRUE(view().notice().isEmpty());
+        view().setMemory(note.left(5));
+        pass(500ms);
+        EXPECT_EQ(written(), note.left(5).toUtf8()) << "from now on it is saved as ever";
+    }
+}
+
+TEST_F(MemoryViewTest, aKeptFileOutlivesTheScreenThatIsLeft) {
+    openOn("\xff");
+    view().setMemory(note);
+    view().appear();
+    pass(10s);
+    EXPECT_EQ(written(), "\xff");
+    EXPECT_EQ(view().memory(), QString{});
+    EXPECT_FALSE(view().notice().isEmpty());
+}
+
+TEST_F(MemoryViewTest, aFileThatIsNotThereOrIsMendedNeedsNoNotice) {
+    view().appear();
+    EXPECT_TRUE(view().notice().isEmpty());
+    openOn("\xff");
+    EXPECT_FALSE(view().notice().isEmpty());
+    openOn(noteBytes);
+    EXPECT_TRUE(view().notice().isEmpty());
+    EXPECT_EQ(view().memory(), note);
+}
+
 TEST_F(MemoryViewTest, aWhitespaceOnlyFileStandsInTheEditorAndIsNotSent) {
     openOn(" \n\t\n");
     EXPECT_EQ(view().memory(), u" \n\t\n"_s);

@@ -65,6 +65,15 @@ FocusScope {
                         theme: root.theme
                         label: qsTr("Your Context")
                     }
+                    ProblemText {
+                        Layout.fillWidth: true
+                        Layout.leftMargin: 14
+                        Layout.rightMargin: 14
+                        objectName: "memoryNotice"
+                        theme: root.theme
+                        colorName: "orange"
+                        text: root.memory.notice
+                    }
                     RowLayout {
                         Layout.fillWidth: true
                         Layout.leftMargin: 14

@@ -92,6 +92,22 @@ ScreenCase {
         compare(driver.noteFile(), "North\r\nSouth\u00a0East");
     }
 
+    function test_aFileThatCanNotBeShownIsToldAndKeptUntilSaveIsPressed() {
+        const tooLong = "a".repeat(1024 * 1024 + 1);
+        driver.setNoteFile(tooLong);
+        const window = open();
+        const notice = control(window, "memoryNotice");
+        verify(notice.visible);
+        compare(driver.spoken(notice).role, Accessible.Notification);
+        control(window, "memoryText").forceActiveFocus(Qt.TabFocusReason);
+        type("north");
+        driver.passTime(1000);
+        verify(driver.noteFile() === tooLong);
+        press(control(window, "saveMemory"));
+        compare(driver.noteFile(), "north");
+        tryVerify(() => !notice.visible);
+    }
+
     function test_theCounterTurnsOrangeAfter1800() {
         driver.setNoteFile("a".repeat(1800));
         const window = open();
