@@ -7,8 +7,10 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QQuickWindow>
 #include <QTemporaryDir>
+#include <vector>
 
 #include "FakeStealth.h"
 
@@ -326,6 +328,24 @@ void ScreenDriver::repeatKey(QObject* window, int key) {
     for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
         QKeyEvent event{type, key, Qt::NoModifier, QString{}, isAutoRepeat};
         QCoreApplication::sendEvent(window, &event);
+    }
+}
+
+void ScreenDriver::pressTwice(QQuickItem* item) const {
+    QQuickWindow* const window = item->window();
+    const QPointF place = placeAfterLayout(item).center();
+    for (const auto& types : {std::vector{QEvent::MouseButtonPress, QEvent::MouseButtonRelease},
+                              {QEvent::MouseButtonPress, QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}}) {
+        for (const QEvent::Type type : types) {
+            QMouseEvent event{type,
+                              place,
+                              window->mapToGlobal(place),
+                              Qt::LeftButton,
+                              type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                              Qt::NoModifier};
+            QCoreApplication::sendEvent(window, &event);
+        }
+        static_cast<void>(placeAfterLayout(item));
     }
 }
 

@@ -106,6 +106,8 @@ public:
     Q_INVOKABLE [[nodiscard]] int connectionsAsked() const;
     Q_INVOKABLE [[nodiscard]] int handoffsShown() const;
     Q_INVOKABLE [[nodiscard]] bool wasSessionEnded() const;
+    /// Presses the mouse twice in quick succession where `item` is, whatever is there by the second time.
+    Q_INVOKABLE void pressTwice(QQuickItem* item) const;
     /// What comes while a key is held.
     Q_INVOKABLE void repeatKey(QObject* window, int key);
     /// The accessibility interface's own view of `item`: presses it as a screen reader does.

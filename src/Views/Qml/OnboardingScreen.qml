@@ -252,6 +252,8 @@ FocusScope {
                 text: qsTr("Get Started")
                 symbol: ""
                 onClicked: root.onboarding.finish()
+                // It stands where "Next" stood: with this the second press of two in quick succession does nothing.
+                onDoubleClicked: {}
             }
         }
     }

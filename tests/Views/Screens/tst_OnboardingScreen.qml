@@ -200,6 +200,15 @@ ScreenCase {
 
     // Keyboard
 
+    function test_aDoubleClickOnTheLastNextStaysOnTheLastStep() {
+        const window = openAt(3);
+        driver.pressTwice(control(window, "onboardingNext"));
+        compare(driver.views.onboarding.step, 4);
+        compare(driver.stored("onboardingCompleted"), undefined);
+        activate(control(window, "getStarted"), "mouse");
+        compare(driver.stored("onboardingCompleted"), true);
+    }
+
     function test_returnGoesOnFromTheHeadingToTheEnd() {
         const window = make();
         for (let step = 0; step < 5; ++step) {
