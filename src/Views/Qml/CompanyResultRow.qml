@@ -21,6 +21,8 @@ Item {
     /// All of it but the name, for screen readers.
     required property string spoken
 
+    readonly property Item head: press
+
     implicitWidth: column.implicitWidth
     implicitHeight: column.implicitHeight
 
@@ -31,6 +33,14 @@ Item {
             details.source = "";
     }
 
+    // From wherever in the open brief the keyboard is.
+    Keys.onEscapePressed: event => {
+        event.accepted = isExpanded;
+        if (!isExpanded)
+            return;
+        press.forceActiveFocus(Qt.TabFocusReason);
+        home.toggleCompany(index);
+    }
     Component.onCompleted: showDetails()
     onIsExpandedChanged: showDetails()
 
@@ -42,6 +52,8 @@ Item {
         spacing: 0
 
         RowButton {
+            id: press
+
             Layout.fillWidth: true
             objectName: "resultHead" + root.index
             theme: root.theme

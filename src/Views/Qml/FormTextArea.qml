@@ -29,6 +29,8 @@ T.TextArea {
     placeholderTextColor: theme.secondary
     activeFocusOnTab: true
     Keys.priority: Keys.BeforeItem
+    // Escape leaves as well, and the page stays.
+    Keys.onEscapePressed: root.focus = false
     Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
     Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 

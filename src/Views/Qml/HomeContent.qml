@@ -60,6 +60,10 @@ FocusScope {
 
                         Layout.fillWidth: true
                         objectName: "searchField"
+                        onResultsWanted: {
+                            if (results.count > 0)
+                                (results.itemAt(0) as CompanyResultRow).head.forceActiveFocus(Qt.TabFocusReason);
+                        }
                         home: root.home
                         theme: root.theme
                     }
@@ -85,6 +89,8 @@ FocusScope {
                     title: qsTr("Results")
 
                     Repeater {
+                        id: results
+
                         model: root.home.results
 
                         CompanyResultRow {

@@ -66,6 +66,8 @@ Box {
 
             // The Tab key leaves: nobody indents here.
             Keys.priority: Keys.BeforeItem
+            // Escape leaves as well, and what lies round it keeps what it holds.
+            Keys.onEscapePressed: area.focus = false
             Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
             Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 

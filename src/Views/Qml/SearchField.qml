@@ -5,13 +5,15 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Corvellan.Views
 
-/// The field for a company's name. Escape and the button in it empty it.
+/// The field for a company's name. Escape and the button in it empty it; Return and Down lead to what was found.
 Box {
     id: root
 
     required property HomeView home
     required property Theme theme
     readonly property Item field: input
+
+    signal resultsWanted
 
     implicitHeight: 40
     radius: 10
@@ -63,6 +65,8 @@ Box {
             text: root.home.quickStartCompany
             // Also what a screen reader writes, which is no edit.
             onTextChanged: root.home.quickStartCompany = text
+            onAccepted: root.resultsWanted()
+            Keys.onDownPressed: root.resultsWanted()
             Keys.onEscapePressed: event => {
                 event.accepted = root.home.canClearSearch;
                 if (event.accepted)

@@ -189,6 +189,52 @@ ScreenCase {
         verify(control(screen, "search").activeFocus);
     }
 
+    function test_returnAndDownLeadFromTheSearchToTheFirstResult_data() {
+        return [{ tag: "return", key: Qt.Key_Return }, { tag: "enter", key: Qt.Key_Enter },
+                { tag: "down", key: Qt.Key_Down }];
+    }
+
+    function test_returnAndDownLeadFromTheSearchToTheFirstResult(data) {
+        const empty = open();
+        control(empty, "search").forceActiveFocus();
+        keyClick(data.key);
+        verify(control(empty, "search").activeFocus, "nothing was found yet");
+        const screen = searched();
+        control(screen, "search").forceActiveFocus();
+        keyClick(data.key);
+        verify(control(screen, "resultHead0").activeFocus);
+        compare(homeDriver.home.quickStartCompany, control(screen, "search").text);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => shows(screen, "startCoaching"));
+    }
+
+    function test_escapeInAnOpenBriefFoldsItAndKeepsTheSearch() {
+        const screen = searched();
+        const text = control(screen, "search").text;
+        homeDriver.home.toggleCompany(0);
+        homeDriver.settle();
+        tryVerify(() => shows(screen, "startCoaching"));
+        control(screen, "startCoaching").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !shows(screen, "startCoaching"));
+        verify(control(screen, "resultHead0").activeFocus);
+        compare(control(screen, "search").text, text);
+        keyClick(Qt.Key_Escape);
+        compare(control(screen, "search").text, "");
+    }
+
+    function test_escapeInTheNotesLeavesThemAndLosesNothing() {
+        const screen = searched();
+        const text = control(screen, "search").text;
+        const notes = control(screen, "callPrepNotes");
+        notes.forceActiveFocus();
+        type("ask");
+        keyClick(Qt.Key_Escape);
+        verify(!notes.activeFocus);
+        compare(notes.text, "ask");
+        compare(control(screen, "search").text, text);
+    }
+
     // Results
 
     function test_aResultIsUnfoldedByMouseKeysAndAccessibility_data() {

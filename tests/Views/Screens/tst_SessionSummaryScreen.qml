@@ -185,6 +185,20 @@ ScreenCase {
         tryVerify(() => findChild(screen, "summaryForm") === null);
     }
 
+    function test_escapeLeavesTheNoteBeforeThePage() {
+        historyDriver.keep("Nordwind", 1, { callId: "c-1" });
+        const screen = open();
+        const note = control(screen, "feedbackNote");
+        note.forceActiveFocus(Qt.TabFocusReason);
+        type("good");
+        keyClick(Qt.Key_Escape);
+        verify(!note.activeFocus);
+        compare(note.text, "good");
+        verify(findChild(screen, "summaryForm") !== null);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => findChild(screen, "summaryForm") === null);
+    }
+
     function test_aLongTranscriptHasOnlyTheLinesInView() {
         const lines = [];
         for (let i = 0; i < 5000; ++i)
