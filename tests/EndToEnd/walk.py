@@ -7,7 +7,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools/demo"))
 
-from program import NotThere, Program, wait_for  # noqa: E402
+from program import NotThere, Program, act, wait_for  # noqa: E402
 
 # Shorter calls leave no record.
 KEPT_AFTER_SECONDS = 11
@@ -65,7 +65,7 @@ class Walk:
     def press(self, name):
         """Whatever it is: a button, a tab, a row."""
         widget = wait_for(f'"{name}"', 20, lambda: self.widget(name), every=0.2)
-        if not widget.get_action_iface().do_action(0):
+        if not act(widget):
             raise NotThere(f'"{name}" refused to be pressed')
 
     def debug_log(self):

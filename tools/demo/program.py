@@ -32,6 +32,13 @@ def wait_for(what, seconds, ask, every=0.1):
         time.sleep(every)
 
 
+def act(widget):
+    """Presses it. Tabs and rows name another action first, which gives them the keyboard."""
+    action = widget.get_action_iface()
+    names = [action.get_action_name(index) for index in range(action.get_n_actions())]
+    return action.do_action(names.index("Press") if "Press" in names else 0)
+
+
 class Program:
     def __init__(self, command, log):
         self._log = open(log, "wb")
@@ -140,9 +147,7 @@ class Program:
         return None
 
     def press(self, name, seconds=20):
-        action = wait_for(f'the control "{name}"', seconds, lambda: self.control(name), every=0.2).get_action_iface()
-        names = [action.get_action_name(index) for index in range(action.get_n_actions())]
-        if not action.do_action(names.index("Press") if "Press" in names else 0):
+        if not act(wait_for(f'the control "{name}"', seconds, lambda: self.control(name), every=0.2)):
             raise NotThere(f'the control "{name}" refused to be pressed')
 
     def key(self, name):

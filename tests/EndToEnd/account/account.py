@@ -14,7 +14,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
 from signedin import SIGN_OUT, SIGNED_IN, SignedIn  # noqa: E402
-from walk import KEPT_AFTER_SECONDS, Wrong, expect, wait_for, walk  # noqa: E402
+from walk import KEPT_AFTER_SECONDS, Wrong, act, expect, wait_for, walk  # noqa: E402
 
 
 class Account(SignedIn):
@@ -74,7 +74,7 @@ class Account(SignedIn):
             return
         self.press("History")
         row = wait_for("the call in the history", 20, self.history_row, every=0.2)
-        row.get_action_iface().do_action(0)
+        act(row)
         self.wait_for_name("Helpful")
 
     def history_row(self):
