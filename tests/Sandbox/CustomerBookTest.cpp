@@ -151,7 +151,7 @@ TEST(CustomerBookTest, aTimelineHoldsTheDaysThatAreAskedForTheNewestFirst) {
     EXPECT_EQ(all.count, static_cast<qint64>(all.timeline.size()));
     EXPECT_EQ(all.activityTypes,
               (QStringList{u"call"_s, u"email"_s, u"meeting"_s, u"note"_s, u"task"_s, u"webinar_signup"_s}));
-    EXPECT_EQ(all.timeline[0].date, u"2026-03-02T06:00:00.000Z"_s);
+    EXPECT_EQ(all.timeline[0].date, u"2026-03-02T00:00:00.000Z"_s);
     EXPECT_TRUE(std::ranges::is_sorted(all.timeline, std::ranges::greater{}, &TimelineEvent::date));
     EXPECT_EQ(ask({}, 365).count, all.count + 1);
     EXPECT_EQ(ask({}, 3).count, 2);

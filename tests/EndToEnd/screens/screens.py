@@ -120,7 +120,7 @@ class Screens(SignedIn):
 
     def the_timeline_unfolds(self):
         self.press("Engagement")
-        self.wait_for_name("Engagement, 5")
+        self.wait_for_name("Engagement, 6")
 
     def the_call_is_prepared(self):
         self.press("Budget")
