@@ -5,16 +5,15 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// The upcoming meetings, each of which can become a coached call.
-FocusScope {
+TabScreen {
     id: root
 
     required property CalendarView calendar
     required property Theme theme
 
-    focus: true
     // The page scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
-    Component.onCompleted: root.calendar.appear()
+    onAppeared: root.calendar.appear()
 
     ScrollArea {
         id: area

@@ -9,37 +9,8 @@ FocusScope {
 
     required property ViewStates views
     readonly property Theme theme: views.theme
-    readonly property string openTab: views.dashboard.selectedTab
 
     focus: true
-
-    function showTab() {
-        switch (openTab) {
-        case "calendar":
-            detail.setSource("CalendarScreen.qml", { calendar: views.calendar, theme: theme });
-            break;
-        case "train":
-            detail.setSource("ScenarioPickerScreen.qml", { picker: views.training, theme: theme });
-            break;
-        case "history":
-            detail.setSource("SessionHistoryScreen.qml", { history: views.history, theme: theme });
-            break;
-        case "memory":
-            detail.setSource("MemoryScreen.qml", { memory: views.memory, theme: theme });
-            break;
-        case "guide":
-            detail.setSource("GuideScreen.qml", { guide: views.guide, stealth: views.stealth, theme: theme });
-            break;
-        case "settings":
-            detail.setSource("SettingsScreen.qml", { settings: views.settings, stealth: views.stealth, theme: theme });
-            break;
-        default:
-            detail.setSource("HomeScreen.qml", { home: views.home, theme: theme });
-        }
-    }
-
-    Component.onCompleted: showTab()
-    onOpenTabChanged: showTab()
 
     Shortcut {
         sequence: "Ctrl+,"
@@ -76,13 +47,12 @@ FocusScope {
         height: parent.height
         color: root.theme.hairline
     }
-    Loader {
-        id: detail
-
+    TabStage {
         x: sidebar.width + 1
         width: parent.width - x
         height: parent.height
         objectName: "detail"
+        views: root.views
         // The screen has the keyboard, and Tab goes on from the sidebar.
         focus: true
     }

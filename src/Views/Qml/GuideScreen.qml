@@ -5,14 +5,13 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// The product's own account of itself, to be read.
-FocusScope {
+TabScreen {
     id: root
 
     required property GuideView guide
     required property StealthView stealth
     required property Theme theme
 
-    focus: true
     Keys.onPressed: event => event.accepted = area.scrollByKey(event.key)
     Keys.onTabPressed: area.forceActiveFocus(Qt.TabFocusReason)
 

@@ -2,14 +2,12 @@ import QtQuick
 import Corvellan.Views
 
 /// Where a call is prepared and started.
-FocusScope {
+TabScreen {
     id: root
 
     required property HomeView home
     required property Theme theme
     readonly property bool isOpen: home.isLoggedIn
-
-    focus: true
 
     function showFace() {
         face.setSource(isOpen ? "HomeContent.qml" : "LoginPrompt.qml", { home: home, theme: theme });

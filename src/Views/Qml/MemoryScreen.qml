@@ -3,16 +3,15 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// The user's note on themselves, which goes with every session.
-FocusScope {
+TabScreen {
     id: root
 
     required property MemoryView memory
     required property Theme theme
 
-    focus: true
     // The page scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
-    Component.onCompleted: root.memory.appear()
+    onAppeared: root.memory.appear()
 
     ScrollArea {
         id: area

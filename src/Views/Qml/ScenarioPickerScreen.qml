@@ -5,18 +5,17 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// Chooses a buyer to practise with, and starts the training.
-FocusScope {
+TabScreen {
     id: root
 
     required property ScenarioPickerView picker
     required property Theme theme
 
-    focus: true
     // The page scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
     // Not by way of the sidebar.
     Keys.onTabPressed: area.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
-    Component.onCompleted: root.picker.appear()
+    onAppeared: root.picker.appear()
 
     function chooseScenario(row: int) {
         if (row < 0 || row >= scenarioList.count)

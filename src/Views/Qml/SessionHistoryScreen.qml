@@ -5,19 +5,18 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// The stored sessions, newest first, and the summary of the one that is open.
-FocusScope {
+TabScreen {
     id: root
 
     required property SessionHistoryView history
     required property Theme theme
     readonly property bool isListShown: history.detail === null
 
-    focus: true
-    Component.onCompleted: {
+    onAppeared: {
         history.appear();
         takeKeyboard();
     }
-    Component.onDestruction: history.disappear()
+    onDisappeared: history.disappear()
 
     /// To where the user goes on: the summary, the row that was open, or the list. Not away from the sidebar.
     function takeKeyboard() {

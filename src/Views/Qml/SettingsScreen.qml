@@ -3,18 +3,17 @@ import QtQuick.Layouts
 import Corvellan.Views
 
 /// What the user can choose, and how things stand, in one form.
-FocusScope {
+TabScreen {
     id: root
 
     required property SettingsView settings
     required property StealthView stealth
     required property Theme theme
 
-    focus: true
     // The form scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
     Keys.onTabPressed: server.first.forceActiveFocus(Qt.TabFocusReason)
-    Component.onCompleted: root.settings.appear()
+    onAppeared: root.settings.appear()
 
     ColumnLayout {
         anchors.fill: parent

@@ -142,4 +142,101 @@ ScreenCase {
         const version = control(window, "sidebar-version");
         verify(version.mapToItem(window, 0, version.height).y <= window.height);
     }
+
+    // Screens that are made before anybody asks for them
+
+    function ready(window, tab) {
+        const stage = control(window, "detail");
+        tryVerify(() => {
+            window.Window.window.update();
+            return stage.isReady(tab);
+        });
+        return stage;
+    }
+
+    function test_everyOtherScreenIsMadeReady() {
+        const window = make();
+        for (const tab of ["calendar", "train", "history", "memory", "guide", "settings"])
+            ready(window, tab);
+        verify(!control(window, "detail").isReady("home"));
+        driver.views.dashboard.selectTab("guide");
+        verify(!control(window, "detail").isReady("guide"));
+        ready(window, "home");
+    }
+
+    function test_aScreenThatIsReadyShowsWhatHoldsWhenItIsOpened() {
+        const window = make();
+        ready(window, "memory");
+        driver.setNoteFile("North ".repeat(400));
+        driver.views.dashboard.selectTab("memory");
+        waitForRendering(window);
+        const counter = control(window, "memoryCounter");
+        compare(counter.text, "2400/2000");
+        verify(counter.contentWidth <= counter.width + 1);
+        const place = driver.placeAfterLayout(counter);
+        verify(place.x >= 0 && place.x + place.width <= window.width);
+    }
+
+    function test_nothingIsAskedForAScreenThatNobodyHasOpened() {
+        const window = make();
+        const asked = driver.asked("permissions.microphoneAuthorization");
+        ready(window, "settings");
+        compare(driver.asked("permissions.microphoneAuthorization"), asked);
+        driver.views.dashboard.selectTab("settings");
+        verify(driver.asked("permissions.microphoneAuthorization") > asked);
+    }
+
+    function test_aScreenThatIsReadyIsOutOfReach() {
+        const window = make();
+        const stage = ready(window, "settings");
+        compare(stage.shown.parent.children.length, 1);
+        for (let i = 0; i < 100; ++i) {
+            keyClick(Qt.Key_Tab);
+            const item = window.Window.activeFocusItem;
+            verify(item.mapToItem(window, 0, 0).x < window.width);
+        }
+        const field = findChild(stage, "saveMemory");
+        verify(field !== null);
+        verify(!field.enabled);
+        verify(driver.placeAfterLayout(field).x >= window.width);
+    }
+
+    function test_eachVisitBeginsAnew() {
+        const window = make();
+        ready(window, "guide");
+        driver.views.dashboard.selectTab("guide");
+        const area = control(window, "guideArea");
+        verify(area.scrollByKey(Qt.Key_End));
+        const title = () => control(control(window, "detail").shown, "guideTitle");
+        verify(driver.placeAfterLayout(title()).y < 0);
+        driver.views.dashboard.selectTab("home");
+        ready(window, "guide");
+        driver.views.dashboard.selectTab("guide");
+        waitForRendering(window);
+        verify(driver.placeAfterLayout(title()).y >= 0);
+    }
+
+    function test_theKeyboardIsInTheScreenThatWasReady() {
+        const window = make();
+        ready(window, "memory");
+        control(window, "face").forceActiveFocus();
+        keyClick("5", Qt.ControlModifier);
+        const stage = control(window, "detail");
+        tryVerify(() => stage.shown.activeFocus);
+    }
+
+    function test_visitsLeaveNothingBehind() {
+        const window = make();
+        const stage = ready(window, "settings");
+        for (let visit = 0; visit < 80; ++visit) {
+            driver.views.dashboard.selectTab(visit % 2 === 0 ? "guide" : "home");
+            ready(window, visit % 2 === 0 ? "home" : "guide");
+        }
+        for (const tab of ["calendar", "train", "history", "memory", "guide", "settings"])
+            ready(window, tab);
+        let screens = 0;
+        for (let i = 0; i < stage.children.length; ++i)
+            screens += stage.children[i].children.length;
+        compare(screens, 7);
+    }
 }

@@ -1,0 +1,167 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Corvellan.Views
+
+/// Shows the screen of the open tab. To make one takes longer than a frame may, so the others are made ready while
+/// nothing else happens; each visit gets a screen of its own, as it is at first.
+FocusScope {
+    id: root
+
+    required property ViewStates views
+    readonly property Theme theme: views.theme
+    readonly property string openTab: views.dashboard.selectedTab
+    /// By tab: incubators of screens that nobody has seen; null for none.
+    property var prepared: ({})
+    /// By tab: whether a frame has come since its screen was there. Before that, what changes with its appearance
+    /// would be lost on Qt's layouts.
+    property var laidOut: ({})
+    property bool isLayingOut: false
+    property Item shown: null
+
+    /// Whether a switch to `tab` is only a matter of drawing it.
+    function isReady(tab: string): bool {
+        return laidOut[tab] === true;
+    }
+
+    function file(tab: string): string {
+        const files = {
+            calendar: "CalendarScreen.qml",
+            train: "ScenarioPickerScreen.qml",
+            history: "SessionHistoryScreen.qml",
+            memory: "MemoryScreen.qml",
+            guide: "GuideScreen.qml",
+            settings: "SettingsScreen.qml"
+        };
+        return files[tab] ?? "HomeScreen.qml";
+    }
+
+    /// What the screen of `tab` is handed.
+    function properties(tab: string): var {
+        switch (tab) {
+        case "calendar":
+            return { calendar: views.calendar, theme: theme };
+        case "train":
+            return { picker: views.training, theme: theme };
+        case "history":
+            return { history: views.history, theme: theme };
+        case "memory":
+            return { memory: views.memory, theme: theme };
+        case "guide":
+            return { guide: views.guide, stealth: views.stealth, theme: theme };
+        case "settings":
+            return { settings: views.settings, stealth: views.stealth, theme: theme };
+        default:
+            return { home: views.home, theme: theme };
+        }
+    }
+
+    function prepare(tab: string) {
+        const handed = properties(tab);
+        handed.isOnStage = false;
+        prepared[tab] = Qt.createComponent(file(tab)).incubateObject(wings, handed, Qt.Asynchronous);
+        laidOut[tab] = false;
+        isLayingOut = true;
+    }
+
+    /// The one that was made for `tab`, if any, which is then somebody else's.
+    function taken(tab: string): Item {
+        const incubator = prepared[tab];
+        if (!incubator)
+            return null;
+        // Not deleted: after 64 times Qt's engine would lose what is stored next.
+        prepared[tab] = null;
+        laidOut[tab] = false;
+        incubator.forceCompletion();
+        return incubator.object;
+    }
+
+    function show() {
+        discard(shown);
+        if (isReady(openTab)) {
+            shown = taken(openTab);
+            shown.parent = scene;
+            // In the wings only one could keep it.
+            shown.focus = true;
+            shown.isOnStage = true;
+        } else {
+            discard(taken(openTab));
+            shown = Qt.createComponent(file(openTab)).createObject(scene, properties(openTab));
+        }
+        idle.restart();
+    }
+
+    function discard(screen: var) {
+        if (!screen)
+            return;
+        screen.isOnStage = false;
+        screen.parent = null;
+        screen.destroy();
+    }
+
+    Component.onCompleted: show()
+    onOpenTabChanged: show()
+    Component.onDestruction: {
+        for (const tab in prepared)
+            if (prepared[tab])
+                prepared[tab].forceCompletion();
+    }
+
+    FocusScope {
+        id: scene
+
+        anchors.fill: parent
+        focus: true
+    }
+    // Outside the window, where nothing is painted, but all is laid out; to hide them would lay them out again.
+    FocusScope {
+        id: wings
+
+        x: root.Window.width
+        width: parent.width
+        height: parent.height
+        enabled: false
+    }
+
+    Timer {
+        id: idle
+
+        interval: 20
+        running: true
+        onTriggered: {
+            for (const tab of root.views.dashboard.visibleTabs) {
+                const incubator = root.prepared[tab.name];
+                if (incubator && incubator.status === Component.Loading) {
+                    restart();
+                    return;
+                }
+                if (incubator && !root.laidOut[tab.name])
+                    root.Window.window.update();
+                if (!incubator && tab.name !== root.openTab) {
+                    root.prepare(tab.name);
+                    restart();
+                    return;
+                }
+            }
+        }
+    }
+    Connections {
+        target: root.isLayingOut ? root.Window.window : null
+
+        function onFrameSwapped() {
+            root.isLayingOut = false;
+            for (const tab in root.prepared)
+                if (root.prepared[tab] && root.prepared[tab].status === Component.Ready)
+                    root.laidOut[tab] = true;
+                else if (root.prepared[tab])
+                    root.isLayingOut = true;
+        }
+    }
+    Connections {
+        target: root.views.dashboard
+
+        function onVisibleTabsChanged() {
+            idle.restart();
+        }
+    }
+}
