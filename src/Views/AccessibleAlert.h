@@ -10,6 +10,7 @@ namespace corvellan {
 /// Raises an accessibility alert on `target` whenever `text` becomes another one that is not empty, so
 /// that a screen reader speaks a tip that appears while the keyboard is elsewhere. Qt 6.4 keeps alerts from AT-SPI;
 /// its screen readers speak what is reported as showing now and has the role of a notification, which `target` needs.
+/// While `target` is disabled, as on a screen that nobody has opened, the alert waits.
 class AccessibleAlert : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -37,12 +38,15 @@ Q_SIGNALS:
     void raised();
 
 private:
+    void raiseLater();
     void raise();
+    void catchUp();
 
     QPointer<QObject> m_target;
     QString m_text;
     bool m_isSilent = false;
     bool m_isDue = false;
+    bool m_isWaiting = false;
 };
 
 }  // namespace corvellan

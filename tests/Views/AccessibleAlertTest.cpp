@@ -109,6 +109,27 @@ TEST_F(AccessibleAlertTest, aSilentOneTellsNothingAndCatchesUpOnNothing) {
     EXPECT_EQ(everythingTold(), announcement(u"Name the next step"_s));
 }
 
+TEST_F(AccessibleAlertTest, whatStandsOnADisabledScreenIsAnnouncedWhenThatIsEnabled) {
+    m_text->setEnabled(false);
+    show(u"Calendar unavailable"_s);
+    EXPECT_TRUE(everythingTold().empty());
+    m_text->setEnabled(true);
+    EXPECT_EQ(everythingTold(), announcement(u"Calendar unavailable"_s));
+    told().clear();
+    m_text->setEnabled(false);
+    m_text->setEnabled(true);
+    EXPECT_TRUE(everythingTold().empty());
+}
+
+TEST_F(AccessibleAlertTest, whatHasGoneMeanwhileIsNot) {
+    m_text->setEnabled(false);
+    show(u"Calendar unavailable"_s);
+    EXPECT_TRUE(everythingTold().empty());
+    show({});
+    m_text->setEnabled(true);
+    EXPECT_TRUE(everythingTold().empty());
+}
+
 }  // namespace corvellan::test
 
 int main(int argc, char** argv) {

@@ -11,6 +11,7 @@ Item {
     property real size: 12
     property color color: theme.secondary
     readonly property int dots: 8
+    readonly property alias isTurning: turn.running
 
     implicitWidth: size * 1.3
     implicitHeight: size * 1.3
@@ -33,7 +34,10 @@ Item {
     }
 
     RotationAnimator on rotation {
-        running: root.visible
+        id: turn
+
+        // On a screen that nobody has opened it is disabled, and would keep the window drawing.
+        running: root.visible && root.enabled
         from: 0
         to: 360
         duration: 900

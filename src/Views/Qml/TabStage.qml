@@ -3,15 +3,16 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Corvellan.Views
 
-/// Shows the screen of the open tab. To make one takes longer than a frame may, so the others are made ready while
-/// nothing else happens; each visit gets a screen of its own, as it is at first.
+/// Shows the screen of the open tab. To make one and draw it takes longer than a frame may, so the others are made
+/// beforehand, one between two frames; each visit gets a screen of its own, as it is at first.
 FocusScope {
     id: root
 
     required property ViewStates views
     readonly property Theme theme: views.theme
     readonly property string openTab: views.dashboard.selectedTab
-    /// By tab: incubators of screens that nobody has seen; null for none.
+    /// By tab: screens that nobody has seen; null for none. They are made in one go: what Qt's layouts are asked to lay
+    /// out while a screen is made bit by bit, they never do.
     property var prepared: ({})
     /// By tab: whether a frame has come since its screen was there. Before that, what changes with its appearance
     /// would be lost on Qt's layouts.
@@ -59,21 +60,17 @@ FocusScope {
     function prepare(tab: string) {
         const handed = properties(tab);
         handed.isOnStage = false;
-        prepared[tab] = Qt.createComponent(file(tab)).incubateObject(wings, handed, Qt.Asynchronous);
+        prepared[tab] = Qt.createComponent(file(tab)).createObject(wings, handed);
         laidOut[tab] = false;
         isLayingOut = true;
     }
 
     /// The one that was made for `tab`, if any, which is then somebody else's.
     function taken(tab: string): Item {
-        const incubator = prepared[tab];
-        if (!incubator)
-            return null;
-        // Not deleted: after 64 times Qt's engine would lose what is stored next.
+        const screen = prepared[tab] ?? null;
         prepared[tab] = null;
         laidOut[tab] = false;
-        incubator.forceCompletion();
-        return incubator.object;
+        return screen;
     }
 
     function show() {
@@ -99,13 +96,18 @@ FocusScope {
         screen.destroy();
     }
 
+    /// Away with those that nobody has seen.
+    function clear() {
+        for (const tab in prepared)
+            discard(taken(tab));
+        idle.restart();
+    }
+
     Component.onCompleted: show()
     onOpenTabChanged: show()
-    Component.onDestruction: {
-        for (const tab in prepared)
-            if (prepared[tab])
-                prepared[tab].forceCompletion();
-    }
+    // A window that is dragged larger has enough to do with the screen that is seen.
+    onWidthChanged: clear()
+    onHeightChanged: clear()
 
     FocusScope {
         id: scene
@@ -130,14 +132,7 @@ FocusScope {
         running: true
         onTriggered: {
             for (const tab of root.views.dashboard.visibleTabs) {
-                const incubator = root.prepared[tab.name];
-                if (incubator && incubator.status === Component.Loading) {
-                    restart();
-                    return;
-                }
-                if (incubator && !root.laidOut[tab.name])
-                    root.Window.window.update();
-                if (!incubator && tab.name !== root.openTab) {
+                if (!root.prepared[tab.name] && tab.name !== root.openTab) {
                     root.prepare(tab.name);
                     restart();
                     return;
@@ -151,10 +146,7 @@ FocusScope {
         function onFrameSwapped() {
             root.isLayingOut = false;
             for (const tab in root.prepared)
-                if (root.prepared[tab] && root.prepared[tab].status === Component.Ready)
-                    root.laidOut[tab] = true;
-                else if (root.prepared[tab])
-                    root.isLayingOut = true;
+                root.laidOut[tab] = root.prepared[tab] !== null;
         }
     }
     Connections {

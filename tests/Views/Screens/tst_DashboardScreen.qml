@@ -201,6 +201,26 @@ ScreenCase {
         verify(driver.placeAfterLayout(field).x >= window.width);
     }
 
+    function test_nothingTurnsOnAScreenThatNobodyHasOpened() {
+        const window = make();
+        ready(window, "train");
+        const spinner = control(window, "scenarioWait").children[0];
+        verify(spinner.visible);
+        verify(!spinner.isTurning);
+        driver.views.dashboard.selectTab("train");
+        compare(spinner.isTurning, spinner.visible);
+    }
+
+    function test_aWindowOfAnotherSizeHasItsScreensMadeAnew() {
+        const window = make();
+        const stage = ready(window, "settings");
+        window.width = 800;
+        verify(!stage.isReady("settings"));
+        ready(window, "settings");
+        driver.views.dashboard.selectTab("settings");
+        compare(stage.shown.width, stage.width);
+    }
+
     function test_eachVisitBeginsAnew() {
         const window = make();
         ready(window, "guide");
@@ -228,7 +248,7 @@ ScreenCase {
     function test_visitsLeaveNothingBehind() {
         const window = make();
         const stage = ready(window, "settings");
-        for (let visit = 0; visit < 80; ++visit) {
+        for (let visit = 0; visit < 10; ++visit) {
             driver.views.dashboard.selectTab(visit % 2 === 0 ? "guide" : "home");
             ready(window, visit % 2 === 0 ? "home" : "guide");
         }
