@@ -37,7 +37,7 @@ constexpr int records = 100'000;
 constexpr int lines = 10'000;
 constexpr int rounds = 100;
 /// What an input brings about later has come by then, and the screen that was left is ready anew.
-constexpr auto quietTime = 150ms;
+constexpr auto quietTime = 60ms;
 
 /// Remembers the longest stretch of work between two waits of the main loop.
 class Watch {
