@@ -11,6 +11,8 @@ FocusScope {
     required property ViewStates views
     readonly property Theme theme: views.theme
     readonly property string openTab: views.dashboard.selectedTab
+    /// A program that starts into the tray makes no screens for a window that may never be seen.
+    readonly property bool isWindowShown: Window.visibility !== Window.Hidden
     /// By tab: screens that nobody has seen; null for none. They are made in one go: what Qt's layouts are asked to lay
     /// out while a screen is made bit by bit, they never do.
     property var prepared: ({})
@@ -105,6 +107,7 @@ FocusScope {
 
     Component.onCompleted: show()
     onOpenTabChanged: show()
+    onIsWindowShownChanged: idle.restart()
     // A window that is dragged larger has enough to do with the screen that is seen.
     onWidthChanged: clear()
     onHeightChanged: clear()
@@ -131,6 +134,8 @@ FocusScope {
         interval: 20
         running: true
         onTriggered: {
+            if (!root.isWindowShown)
+                return;
             for (const tab of root.views.dashboard.visibleTabs) {
                 if (!root.prepared[tab.name] && tab.name !== root.openTab) {
                     root.prepare(tab.name);

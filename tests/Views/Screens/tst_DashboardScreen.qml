@@ -19,6 +19,25 @@ ScreenCase {
         }
     }
 
+    Component {
+        id: hiddenWindow
+
+        Window {
+            property alias content: main
+
+            width: 680
+            height: 520
+            visible: false
+
+            Main {
+                id: main
+
+                anchors.fill: parent
+                views: driver.views
+            }
+        }
+    }
+
     function init() {
         driver.reset();
     }
@@ -162,6 +181,17 @@ ScreenCase {
         driver.views.dashboard.selectTab("guide");
         verify(!control(window, "detail").isReady("guide"));
         ready(window, "home");
+    }
+
+    function test_aWindowThatIsHiddenHasNoScreensMade() {
+        const hidden = createTemporaryObject(hiddenWindow, testCase);
+        const stage = control(hidden.content, "detail");
+        const other = make();
+        for (const tab of ["calendar", "train", "history", "memory", "guide", "settings"])
+            ready(other, tab);
+        verify(!stage.prepared["calendar"]);
+        hidden.visible = true;
+        ready(hidden.content, "calendar");
     }
 
     function test_aScreenThatIsReadyShowsWhatHoldsWhenItIsOpened() {
