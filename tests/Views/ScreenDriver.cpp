@@ -357,6 +357,14 @@ bool ScreenDriver::pressThroughAccessibility(QObject* item) {
     return true;
 }
 
+bool ScreenDriver::writeThroughAccessibility(QObject* item, const QString& text) {
+    QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(item);
+    if (!accessible)
+        return false;
+    accessible->setText(QAccessible::Value, text);
+    return true;
+}
+
 void ScreenDriver::offerUpdate() {
     session().setUpdateAvailable(true);
 }

@@ -112,6 +112,8 @@ public:
     Q_INVOKABLE void repeatKey(QObject* window, int key);
     /// The accessibility interface's own view of `item`: presses it as a screen reader does.
     Q_INVOKABLE bool pressThroughAccessibility(QObject* item);
+    /// Writes a text as a screen reader does.
+    Q_INVOKABLE bool writeThroughAccessibility(QObject* item, const QString& text);
 
 Q_SIGNALS:
     void madeAnew();

@@ -5,13 +5,19 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Corvellan.Views
 
-/// One line of text that the user writes.
+/// One line of text that the user writes. Escape gives back what stood there when the keyboard came, and leaves a text
+/// that nobody has changed.
 T.TextField {
     id: root
 
     required property Theme theme
     /// What it is for, for screen readers.
     required property string label
+    /// What Escape gives back. Return settles on what stands there now.
+    property string textBefore: ""
+
+    /// Something else is written there, by whatever hand, or is to stand there again: whoever owns the text takes it.
+    signal edited(value: string)
 
     Layout.fillWidth: true
     implicitWidth: 340
@@ -29,6 +35,16 @@ T.TextField {
     selectedTextColor: theme.white
     placeholderTextColor: theme.secondary
     verticalAlignment: TextInput.AlignVCenter
+    // Also what a screen reader writes, which is no edit.
+    onTextChanged: root.edited(text)
+    onActiveFocusChanged: if (activeFocus) textBefore = text
+    onAccepted: textBefore = text
+    Keys.onEscapePressed: {
+        if (text === textBefore)
+            focus = false;
+        else
+            root.edited(textBefore);
+    }
 
     Accessible.role: Accessible.EditableText
     Accessible.name: root.label

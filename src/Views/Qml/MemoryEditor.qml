@@ -77,6 +77,8 @@ Box {
 
             // The Tab key leaves: nobody indents here.
             Keys.priority: Keys.BeforeItem
+            // Escape leaves as well; what is written stays.
+            Keys.onEscapePressed: area.focus = false
             Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
             Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 

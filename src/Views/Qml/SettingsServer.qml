@@ -40,7 +40,10 @@ FormSection {
             placeholderText: "ws://..."
             text: root.settings.customServerURL
             inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoAutoUppercase
-            onTextEdited: root.settings.customServerURL = text
+            onEdited: value => {
+                if (value !== root.settings.customServerURL)
+                    root.settings.customServerURL = value;
+            }
         }
     }
     FormRow {

@@ -108,6 +108,20 @@ ScreenCase {
         tryVerify(() => !notice.visible);
     }
 
+    function test_escapeLeavesTheTextAndKeepsIt() {
+        const window = open();
+        const text = control(window, "memoryText");
+        text.forceActiveFocus(Qt.TabFocusReason);
+        type("north");
+        keyClick(Qt.Key_Escape);
+        verify(!text.activeFocus);
+        compare(text.text, "north");
+        driver.passTime(500);
+        compare(driver.noteFile(), "north");
+        keyClick("x");
+        compare(text.text, "north");
+    }
+
     function test_theCounterTurnsOrangeAfter1800() {
         driver.setNoteFile("a".repeat(1800));
         const window = open();

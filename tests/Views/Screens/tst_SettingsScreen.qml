@@ -369,6 +369,66 @@ ScreenCase {
         compare(driver.spoken(field).name, "WebSocket URL");
     }
 
+    function customAddress(window, stored) {
+        driver.views.settings.customServerURL = stored;
+        driver.views.settings.serverModeIndex = 2;
+        const field = control(window, "customServerURL");
+        tryVerify(() => field.visible);
+        return field;
+    }
+
+    function test_escapeGivesBackTheAddressAndThenLeaves() {
+        const window = open();
+        const field = customAddress(window, "ws://a");
+        field.forceActiveFocus(Qt.TabFocusReason);
+        field.cursorPosition = field.length;
+        type("bc");
+        compare(driver.serverURL(), "ws://abc");
+        keyClick(Qt.Key_Escape);
+        verify(field.activeFocus, "one thing at a time");
+        compare(field.text, "ws://a");
+        compare(driver.stored("customServerURL"), "ws://a");
+        compare(driver.serverURL(), "ws://a");
+        keyClick(Qt.Key_Escape);
+        verify(!field.activeFocus);
+        compare(field.text, "ws://a");
+        // The screen stays, and its keys go on.
+        verify(findChild(window, "form"));
+        keyClick(Qt.Key_End);
+        tryVerify(() => control(window, "aboutRow").mapToItem(control(window, "form"), 0, 0).y < control(window, "form").height);
+
+        // What it gives back is what stood there this time, and it shows what is stored as ever.
+        field.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_A, Qt.ControlModifier);
+        type("x");
+        keyClick(Qt.Key_Tab);
+        field.forceActiveFocus(Qt.TabFocusReason);
+        type("y");
+        keyClick(Qt.Key_Escape);
+        compare(driver.stored("customServerURL"), "x");
+        driver.views.settings.customServerURL = "ws://elsewhere";
+        compare(field.text, "ws://elsewhere");
+    }
+
+    function test_returnSettlesOnTheAddress() {
+        const window = open();
+        const field = customAddress(window, "");
+        field.forceActiveFocus(Qt.TabFocusReason);
+        type("ws");
+        keyClick(Qt.Key_Return);
+        keyClick(Qt.Key_Escape);
+        verify(!field.activeFocus);
+        compare(driver.stored("customServerURL"), "ws");
+    }
+
+    function test_anAddressThatAScreenReaderWritesCounts() {
+        const window = open();
+        const field = customAddress(window, "");
+        verify(driver.writeThroughAccessibility(field, "ws://spoken"));
+        compare(driver.stored("customServerURL"), "ws://spoken");
+        compare(driver.serverURL(), "ws://spoken");
+    }
+
     function test_buttons_data() {
         return [{ tag: "testNotification", step: "notifications.add" },
                 { tag: "requestNotifications", step: "notifications.requestAuthorization" },
