@@ -20,6 +20,11 @@ constexpr auto badgeTime = 2s;
 /// From here on the counter warns.
 constexpr qsizetype roomyLength = 1800;
 
+/// It stands there and can't be shown.
+bool isUnreadable(const QString& file) {
+    return !MemoryStore::read(file) && QFileInfo::exists(file);
+}
+
 }  // namespace
 
 MemoryView::MemoryView(Clock& clock, QString file, QObject* parent)
@@ -35,6 +40,7 @@ MemoryView::~MemoryView() {
 void MemoryView::setMemory(const QString& memory) {
     if (m_memory == memory)
         return;
+    m_isEdited = true;
     change(memory);
     if (text::count(memory) > MemoryStore::noteLimit)
         change(text::prefix(memory, MemoryStore::noteLimit));
@@ -62,10 +68,11 @@ QString MemoryView::fileText() {
 
 void MemoryView::appear() {
     // An edit that the last screen was left with too soon would be taken back by what the file holds.
-    if (m_isSavePending)
+    if (m_isSavePending && maySaveUnasked())
         save();
     m_saveTask.clear();
     m_isSavePending = false;
+    m_isEdited = false;
     m_badges.request_stop();
     m_badges = {};
     setSaved(false);
@@ -97,6 +104,8 @@ void MemoryView::debounceSave() {
         if (co_await sleep(clock, pauseBeforeSave, stop) == SleepEnd::interrupted)
             co_return;
         m_isSavePending = false;
+        if (!maySaveUnasked())
+            co_return;
         save();
         showSavedBadge();
     });
@@ -119,6 +128,18 @@ void MemoryView::save() const {
         return;
     file.write(m_memory.toUtf8());
     file.commit();
+}
+
+bool MemoryView::maySaveUnasked() {
+    if (!isUnreadable(m_file))
+        return true;
+    setIsFileKept(true);
+    // What the user has written stays; what the file held is no longer true.
+    if (!m_isEdited) {
+        m_memory.clear();
+        Q_EMIT memoryChanged();
+    }
+    return false;
 }
 
 void MemoryView::change(const QString& memory) {

@@ -59,6 +59,8 @@ private:
     void debounceSave();
     void showSavedBadge();
     void save() const;
+    /// False for a file that has become unreadable in the meantime: that one is kept, and said so.
+    [[nodiscard]] bool maySaveUnasked();
     void change(const QString& memory);
     void setSaved(bool saved);
     void setIsFileKept(bool isKept);
@@ -70,6 +72,8 @@ private:
     bool m_saved = false;
     /// The file can't be read, and nobody has decided yet that it goes.
     bool m_isFileKept = false;
+    /// What stands in the editor is not what the file held when it was read.
+    bool m_isEdited = false;
     /// An edit is not in the file yet.
     bool m_isSavePending = false;
     /// Ends the badges' timers with the screen that they belong to.

@@ -262,6 +262,41 @@ TEST_F(MemoryViewTest, aFileThatCanNotBeReadIsKeptWhateverIsTypedUntilSaveIsPres
     }
 }
 
+TEST_F(MemoryViewTest, aFileThatBecomesUnreadableUnderAnEditIsKeptUntilSaveIsPressed) {
+    openOn(noteBytes);
+    pass(5s);
+    view().setMemory(note + u'!');
+    write("\xff");
+    pass(10s);
+    EXPECT_EQ(written(), "\xff");
+    EXPECT_EQ(view().memory(), note + u'!') << "what the user has written stays";
+    EXPECT_FALSE(view().notice().isEmpty());
+    EXPECT_FALSE(view().saved());
+    view().pressSave();
+    EXPECT_EQ(written(), (note + u'!').toUtf8());
+    EXPECT_TRUE(view().notice().isEmpty());
+}
+
+TEST_F(MemoryViewTest, aFileThatBecomesUnreadableTakesWhatItHeldFromTheEditor) {
+    openOn(noteBytes);
+    write("\xff");
+    pass(10s);
+    EXPECT_EQ(written(), "\xff");
+    EXPECT_EQ(view().memory(), QString{});
+    EXPECT_FALSE(view().notice().isEmpty());
+}
+
+TEST_F(MemoryViewTest, aFileThatBecameUnreadableIsNotReplacedByAnEditThatWasLeftTooSoon) {
+    openOn("old");
+    view().setMemory(note);
+    write("\xff");
+    view().appear();
+    pass(10s);
+    EXPECT_EQ(written(), "\xff");
+    EXPECT_EQ(view().memory(), QString{});
+    EXPECT_FALSE(view().notice().isEmpty());
+}
+
 TEST_F(MemoryViewTest, aKeptFileOutlivesTheScreenThatIsLeft) {
     openOn("\xff");
     view().setMemory(note);

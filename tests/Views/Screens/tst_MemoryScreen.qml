@@ -108,6 +108,24 @@ ScreenCase {
         tryVerify(() => !notice.visible);
     }
 
+    function test_aFileThatCanNoLongerBeShownLeavesNothingOfItBehind() {
+        driver.setNoteFile("Territory: north");
+        const window = open();
+        compare(control(window, "memoryText").text, "Territory: north");
+        driver.passTime(5000);
+        driver.views.dashboard.selectTab("settings");
+        tryVerify(() => findChild(window, "memoryText") === null);
+        const tooLong = "a".repeat(1024 * 1024 + 1);
+        driver.setNoteFile(tooLong);
+        driver.views.dashboard.selectTab("memory");
+        tryVerify(() => findChild(window, "memoryText") !== null);
+        verify(control(window, "memoryNotice").visible);
+        compare(control(window, "memoryText").text, "");
+        compare(control(window, "memoryCounter").text, "0/2000");
+        driver.passTime(5000);
+        verify(driver.noteFile() === tooLong);
+    }
+
     function test_escapeLeavesTheTextAndKeepsIt() {
         const window = open();
         const text = control(window, "memoryText");
