@@ -114,6 +114,7 @@ void AppDelegate::makePanel() {
                          .notifications = m_environment.desktop.notifications,
                          .systemSettings = m_environment.desktop.systemSettings,
                          .browser = m_environment.desktop.browser,
+                         .speech = m_environment.desktop.speech,
                          .productionUrl = m_environment.session.productionUrl,
                          .chatUrl = m_environment.session.chatUrl,
                          .extensionUrl = m_environment.extensionUrl,

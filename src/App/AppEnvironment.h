@@ -24,6 +24,7 @@ class HandoffWindowController;
 class LoginItems;
 class NotificationCenter;
 class PermissionSource;
+class SpeechSynthesizer;
 class StatusBar;
 class SystemSettings;
 class WebBrowser;
@@ -41,6 +42,7 @@ struct Desktop {
     WindowActivation& activation;
     CaptureHiding& captureHiding;
     WebBrowser& browser;
+    SpeechSynthesizer& speech;
     DesktopAppearance& appearance;
 };
 

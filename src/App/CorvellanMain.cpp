@@ -147,6 +147,7 @@ AppEnvironment environmentOf(RealParts& parts, MonotonicTime launchedAt) {
                     .activation = parts.activation,
                     .captureHiding = *parts.captureHiding,
                     .browser = parts.browser,
+                    .speech = parts.speechSynthesizer,
                     .appearance = parts.appearance},
         .handoffWindow = parts.handoffWindow,
         .makeUpdater =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <QString>
@@ -51,6 +52,13 @@ public:
         std::vector<SpeechVoice> all;
         /// What speaks American English where nothing better was chosen; absent where nothing does.
         std::optional<SpeechVoice> americanEnglish;
+        /// The engine's name for people; empty where nothing speaks.
+        QString engine;
+
+        /// The one that speaks. The language outranks the quality, and among equals the platform's order decides: a
+        /// premium American voice, an enhanced one, a premium and an enhanced one of any other English, and then
+        /// `americanEnglish`.
+        [[nodiscard]] std::optional<SpeechVoice> preferred() const;
     };
 
     virtual ~SpeechSynthesizer() = default;
@@ -69,5 +77,22 @@ public:
     /// Silences speech at once and cancels everything that was handed over.
     virtual void stopSpeaking() = 0;
 };
+
+inline std::optional<SpeechVoice> SpeechSynthesizer::Voices::preferred() const {
+    const auto first = [this](VoiceQuality quality, auto speaks) -> std::optional<SpeechVoice> {
+        const auto found = std::ranges::find_if(
+            all, [&](const SpeechVoice& voice) { return voice.quality == quality && speaks(voice.language); });
+        return found == all.end() ? std::nullopt : std::optional{*found};
+    };
+    const auto american = [](const QString& language) { return language == u"en-US"; };
+    const auto english = [](const QString& language) { return language.startsWith(u"en"); };
+    for (const auto quality : {VoiceQuality::premium, VoiceQuality::enhanced})
+        if (auto voice = first(quality, american))
+            return voice;
+    for (const auto quality : {VoiceQuality::premium, VoiceQuality::enhanced})
+        if (auto voice = first(quality, english))
+            return voice;
+    return americanEnglish;
+}
 
 }  // namespace corvellan

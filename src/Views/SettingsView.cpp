@@ -80,6 +80,7 @@ SettingsView::SettingsView(SessionViewModel& session, Preferences& preferences, 
 }
 
 SettingsView::~SettingsView() {
+    m_self.reset();
     m_permissionTask.cancel();
     m_notificationTask.cancel();
     m_requestTask.cancel();
@@ -92,6 +93,7 @@ void SettingsView::appear() {
     Q_EMIT meetingRemindersChanged();
     refreshPermissions();
     refreshNotificationStatus();
+    refreshVoice();
     applyServerURL();
 }
 
@@ -371,10 +373,39 @@ QString SettingsView::voiceText() {
                    : u"Uses best installed voice (premium > enhanced > default)"_s;
 }
 
-QString SettingsView::voiceCaption() {
-    return isMac()
-               ? u"System Settings → Accessibility → Spoken Content → Manage Voices"_s
-               : u"Speech Dispatcher speaks where it is set up, else espeak-ng. With neither, replies are only shown."_s;
+QString SettingsView::voiceCaption() const {
+    if (isMac())
+        return u"System Settings → Accessibility → Spoken Content → Manage Voices"_s;
+    return m_voices ? speaking(*m_voices) : u"Looking for voices..."_s;
+}
+
+void SettingsView::refreshVoice() {
+    if (isMac())
+        return;
+    m_parts.speech.readVoices(
+        [&main = m_session.environment().main, weak = std::weak_ptr{m_self}](SpeechSynthesizer::Voices voices) {
+            main.post([weak, voices = std::move(voices)] {
+                const auto self = weak.lock();
+                if (!self)
+                    return;
+                (*self)->m_voices = voices;
+                Q_EMIT(*self)->voiceChanged();
+            });
+        });
+}
+
+QString SettingsView::speaking(const SpeechSynthesizer::Voices& voices) {
+    const auto voice = voices.preferred();
+    if (!voice)
+        return u"No speech engine works on this computer. Install the package espeak-ng; until then replies are shown "
+               "only."_s;
+    switch (voice->quality) {
+    case VoiceQuality::premium: return u"%1 speaks, with the voice %2 (premium)."_s.arg(voices.engine, voice->name);
+    case VoiceQuality::enhanced: return u"%1 speaks, with the voice %2 (enhanced)."_s.arg(voices.engine, voice->name);
+    case VoiceQuality::standard:
+        return u"%1 speaks, with its default voice: no premium or enhanced one is installed."_s.arg(voices.engine);
+    }
+    Q_UNREACHABLE();
 }
 
 // MARK: - Permissions

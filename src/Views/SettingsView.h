@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <QObject>
 #include <QQmlEngine>
@@ -11,6 +12,7 @@
 #include "Models/Protocol.h"
 #include "Platform/GlobalKeys.h"
 #include "Platform/Notifications.h"
+#include "Platform/SpeechSynthesizer.h"
 #include "Shell/PermissionChecker.h"
 #include "ViewModels/ServerMode.h"
 
@@ -29,6 +31,7 @@ struct SettingsParts {
     NotificationCenter& notifications;
     SystemSettings& systemSettings;
     WebBrowser& browser;
+    SpeechSynthesizer& speech;
 
     // What the program was built with.
     QString productionUrl;  ///< The coaching endpoint.
@@ -112,7 +115,8 @@ class SettingsView : public QObject {
 
     // Voice
     Q_PROPERTY(QString voiceText READ voiceText CONSTANT)
-    Q_PROPERTY(QString voiceCaption READ voiceCaption CONSTANT)
+    /// Who speaks, or that nobody does.
+    Q_PROPERTY(QString voiceCaption READ voiceCaption NOTIFY voiceChanged)
 
     /// Rows with "label", "detail", "statusText" and "statusColor".
     Q_PROPERTY(QAbstractItemModel* permissionRows READ permissionRows CONSTANT)
@@ -195,7 +199,8 @@ public:
     Q_INVOKABLE void sendTestNotification();
 
     [[nodiscard]] static QString voiceText();
-    [[nodiscard]] static QString voiceCaption();
+    [[nodiscard]] QString voiceCaption() const;
+    void refreshVoice();
 
     void refreshPermissions();
     [[nodiscard]] const PermissionState& permissionState() const { return m_permissionState; }
@@ -214,6 +219,8 @@ public:
     [[nodiscard]] static QString notificationColor(NotificationAuthorization status);
     /// "Sandra Weiss (Nordwind)"; what is missing is left out.
     [[nodiscard]] static QString viewing(const ExtensionContextPayload& context);
+    /// Which of these voices speaks, in one sentence.
+    [[nodiscard]] static QString speaking(const SpeechSynthesizer::Voices& voices);
 
 Q_SIGNALS:
     void serverModeChanged();
@@ -228,6 +235,7 @@ Q_SIGNALS:
     void meetingRemindersChanged();
     void hotkeyChanged();
     void notificationStatusChanged();
+    void voiceChanged();
     void canCheckForUpdatesChanged();
 
 private:
@@ -241,6 +249,10 @@ private:
     GlobalKeyWatch m_keyWatch = GlobalKeyWatch::unavailable;
     QString m_keyExplanation;
     FixedRowsModel m_permissionRows;
+    /// Absent until the first answer.
+    std::optional<SpeechSynthesizer::Voices> m_voices;
+    /// Its end is this object's: voices are told on a thread of their own.
+    std::shared_ptr<SettingsView*> m_self = std::make_shared<SettingsView*>(this);
     TaskSlot m_permissionTask;
     TaskSlot m_notificationTask;
     TaskSlot m_requestTask;

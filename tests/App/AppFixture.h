@@ -149,6 +149,7 @@ private:
                         .activation = windowActivation(),
                         .captureHiding = captureHiding,
                         .browser = desktop.browser,
+                        .speech = desktop.speech,
                         .appearance = desktop.appearance},
             .handoffWindow = handoffWindowController(),
             .makeUpdater =

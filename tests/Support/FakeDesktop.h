@@ -9,6 +9,7 @@
 
 #include "Base/AsyncStream.h"
 #include "CallLog.h"
+#include "FakeSpeechSynthesizer.h"
 #include "Platform/Alerts.h"
 #include "Platform/DesktopAppearance.h"
 #include "Platform/GlobalKeys.h"
@@ -382,6 +383,7 @@ struct FakeDesktop {
     FakeSystemSettings settings{log};
     FakeAlertPresenter alerts{log};
     FakeWebBrowser browser{log};
+    FakeSpeechSynthesizer speech;
     FakeWindowActivation activation{log};
     FakeDesktopAppearance appearance;
 };

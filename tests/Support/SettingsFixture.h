@@ -18,6 +18,7 @@ public:
                 .notifications = desktop.notifications,
                 .systemSettings = desktop.settings,
                 .browser = desktop.browser,
+                .speech = desktop.speech,
                 .productionUrl = QStringLiteral("wss://coach.test/ws"),
                 .chatUrl = QStringLiteral("https://chat.test"),
                 .extensionUrl = QStringLiteral("https://store.test/corvellan-sensor"),

@@ -212,6 +212,11 @@ void ScreenDriver::setNotifications(const QString& authorization) {
                                                          : NotificationAuthorization::notDetermined;
 }
 
+void ScreenDriver::setVoice(const QString& engine, const QString& name) {
+    const SpeechVoice voice{.language = QStringLiteral("en-US"), .quality = VoiceQuality::enhanced, .name = name};
+    m_world->desktop.desktop.speech.voices = {.all = {voice}, .americanEnglish = voice, .engine = engine};
+}
+
 void ScreenDriver::refuseLoginItems() {
     m_world->desktop.desktop.loginItems.failure = TransportError{QStringLiteral("read-only")};
 }

@@ -68,6 +68,8 @@ public:
     /// What comes of asking for the microphone.
     Q_INVOKABLE void setMicrophoneAnswer(bool isGranted);
     Q_INVOKABLE void setNotifications(const QString& authorization);
+    /// Who speaks from now on, with an enhanced voice.
+    Q_INVOKABLE void setVoice(const QString& engine, const QString& name);
     Q_INVOKABLE void refuseLoginItems();
     Q_INVOKABLE void setLoginItem(bool isRegistered);
     Q_INVOKABLE void provideUpdater();

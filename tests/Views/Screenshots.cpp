@@ -90,6 +90,8 @@ bool take(const ScreenshotState& state, const QDir& folder) {
     FakeHandoffWindow handoffWindow;
     SettingsFixture settings{fixture.preferences};
     settings.desktop.appearance.setColorScheme(state.isLight ? ColorScheme::light : ColorScheme::dark);
+    const SpeechVoice voice{.language = u"en-US"_s, .quality = VoiceQuality::enhanced, .name = u"us1"_s};
+    settings.desktop.speech.voices = {.all = {voice}, .americanEnglish = voice, .engine = u"Speech Dispatcher"_s};
     if (state.prepareSettings)
         state.prepareSettings(settings, fixture.preferences);
     StealthPanel panel{{session, fixture.preferences, captureHiding, handoffWindow, settings.parts()},

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
+#include <QThread>
+#include <thread>
 
 #include "Base/SettingsPreferences.h"
 #include "SettingsViewFixture.h"
@@ -82,7 +84,72 @@ TEST(SharingTextTest, aDesktopWithoutWindowsSharesTheWholeScreenAndSaysSo) {
 TEST_F(SettingsViewTest, theVoiceLineNamesNoSystemThatIsNotThisOne) {
     EXPECT_TRUE(SettingsView::voiceText().contains(u"(premium > enhanced > default)"_s));
     EXPECT_FALSE(SettingsView::voiceText().contains(u"macOS"_s));
-    EXPECT_FALSE(SettingsView::voiceCaption().contains(u"Spoken Content"_s));
+    EXPECT_FALSE(view().voiceCaption().contains(u"Spoken Content"_s));
+}
+
+TEST_F(SettingsViewTest, theVoiceThatSpeaksIsNamedWithItsEngine) {
+    const SpeechVoice plain{.language = u"en-US"_s, .name = u"English (America)"_s};
+    const SpeechVoice enhanced{.language = u"en-US"_s, .quality = VoiceQuality::enhanced, .name = u"us1"_s};
+    const SpeechVoice british{.language = u"en-GB"_s, .quality = VoiceQuality::premium, .name = u"Kate"_s};
+    EXPECT_EQ(SettingsView::speaking({.all = {plain}, .americanEnglish = plain, .engine = u"espeak-ng"_s}),
+              u"espeak-ng speaks, with its default voice: no premium or enhanced one is installed."_s);
+    EXPECT_EQ(SettingsView::speaking({.all = {plain, british, enhanced}, .americanEnglish = plain, .engine = u"E"_s}),
+              u"E speaks, with the voice us1 (enhanced)."_s);
+    EXPECT_EQ(SettingsView::speaking({.all = {plain, british}, .americanEnglish = plain, .engine = u"E"_s}),
+              u"E speaks, with the voice Kate (premium)."_s);
+    EXPECT_EQ(SettingsView::speaking({}),
+              u"No speech engine works on this computer. Install the package espeak-ng; until then replies are shown "
+              "only."_s);
+}
+
+TEST_F(SettingsViewTest, theVoicesAreReadEachTimeTheScreenAppears) {
+    auto& speech = settings.desktop.speech;
+    speech.answersAtOnce = false;
+    EXPECT_EQ(speech.readings, 0) << "nobody has asked yet";
+    QSignalSpy changes{&view(), &SettingsView::voiceChanged};
+    view().appear();
+    settle();
+    EXPECT_EQ(view().voiceCaption(), u"Looking for voices..."_s);
+
+    const SpeechVoice plain{.language = u"en-US"_s};
+    speech.voices = {.all = {plain}, .americanEnglish = plain, .engine = u"Speech Dispatcher"_s};
+    speech.answer();
+    settle();
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(view().voiceCaption(), SettingsView::speaking(speech.voices));
+
+    speech.voices = {};
+    view().appear();
+    settle();
+    EXPECT_TRUE(view().voiceCaption().startsWith(u"Speech Dispatcher speaks"_s)) << "until it is known better";
+    speech.answer();
+    settle();
+    EXPECT_EQ(view().voiceCaption(), SettingsView::speaking({}));
+    EXPECT_EQ(speech.readings, 2);
+}
+
+TEST_F(SettingsViewTest, voicesThatAreToldOnAnotherThreadArriveOnTheMainOne) {
+    auto& speech = settings.desktop.speech;
+    speech.answersAtOnce = false;
+    Qt::HANDLE toldOn = nullptr;
+    QObject::connect(
+        &view(), &SettingsView::voiceChanged, &view(), [&] { toldOn = QThread::currentThreadId(); },
+        Qt::DirectConnection);
+    view().appear();
+    std::jthread{[&] { speech.answer(); }}.join();
+    settle();
+    EXPECT_EQ(toldOn, QThread::currentThreadId());
+}
+
+TEST_F(SettingsViewTest, voicesThatAreToldAfterTheViewsEndAreForgotten) {
+    auto& speech = settings.desktop.speech;
+    speech.answersAtOnce = false;
+    auto passing = std::make_unique<SettingsView>(session(), fixture.preferences, settings.parts());
+    passing->appear();
+    speech.answer();
+    passing.reset();
+    settle();
+    EXPECT_EQ(speech.readings, 1);
 }
 
 // MARK: - About

@@ -1,7 +1,6 @@
 #include "TtsService.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -11,26 +10,6 @@ namespace corvellan {
 namespace {
 
 constexpr auto volume = 0.8;
-
-/// One pass over the voices: the first that matches is taken.
-struct Pass {
-    VoiceQuality quality;
-    QStringView qualityName;
-    bool isAmericanOnly;
-};
-
-/// The language outranks the quality.
-constexpr std::array passes{
-    Pass{VoiceQuality::premium, u"premium", true},
-    Pass{VoiceQuality::enhanced, u"enhanced", true},
-    Pass{VoiceQuality::premium, u"premium", false},
-    Pass{VoiceQuality::enhanced, u"enhanced", false},
-};
-
-bool isMatch(const SpeechVoice& voice, const Pass& pass) {
-    return voice.quality == pass.quality &&
-           (pass.isAmericanOnly ? voice.language == u"en-US" : voice.language.startsWith(u"en"));
-}
 
 }  // namespace
 
@@ -119,18 +98,17 @@ void TtsService::voicesRead(const SpeechSynthesizer::Voices& voices) {
 }
 
 std::optional<SpeechVoice> TtsService::choose(const SpeechSynthesizer::Voices& voices) const {
-    for (const Pass& pass : passes)
-        for (const SpeechVoice& voice : voices.all) {
-            if (!isMatch(voice, pass))
-                continue;
-            if (pass.isAmericanOnly)
-                m_logger.info(u"TTS voice: %1 (%2)"_s.arg(voice.name, pass.qualityName));
-            else
-                m_logger.info(u"TTS voice: %1 (%2, %3)"_s.arg(voice.name, pass.qualityName, voice.language));
-            return voice;
-        }
-    m_logger.info(u"TTS voice: system default (no premium/enhanced voices installed)"_s);
-    return voices.americanEnglish;
+    auto voice = voices.preferred();
+    if (!voice || voice->quality == VoiceQuality::standard) {
+        m_logger.info(u"TTS voice: system default (no premium/enhanced voices installed)"_s);
+        return voice;
+    }
+    const QString quality = voice->quality == VoiceQuality::premium ? u"premium"_s : u"enhanced"_s;
+    if (voice->language == u"en-US")
+        m_logger.info(u"TTS voice: %1 (%2)"_s.arg(voice->name, quality));
+    else
+        m_logger.info(u"TTS voice: %1 (%2, %3)"_s.arg(voice->name, quality, voice->language));
+    return voice;
 }
 
 }  // namespace corvellan

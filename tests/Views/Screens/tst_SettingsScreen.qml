@@ -429,6 +429,15 @@ ScreenCase {
         compare(driver.serverURL(), "ws://spoken");
     }
 
+    function test_theVoicesRowTellsWhoSpeaks() {
+        const window = open();
+        const row = control(window, "voiceRow");
+        tryVerify(() => row.caption.startsWith("No speech engine works"));
+        driver.setVoice("espeak-ng", "us1");
+        driver.views.settings.appear();
+        tryCompare(row, "caption", "espeak-ng speaks, with the voice us1 (enhanced).");
+    }
+
     function test_buttons_data() {
         return [{ tag: "testNotification", step: "notifications.add" },
                 { tag: "requestNotifications", step: "notifications.requestAuthorization" },

@@ -152,8 +152,10 @@ SpeechSynthesizer::Voices DispatcherSynthesizer::readVoicesNow() {
     if (!m_daemon && !open())
         return voices;
     voices.all = m_daemon->englishVoices();
-    if (!voices.all.empty())
+    if (!voices.all.empty()) {
         voices.americanEnglish = SpeechVoice{.language = QStringLiteral("en-US")};
+        voices.engine = QStringLiteral("Speech Dispatcher");
+    }
     return voices;
 }
 

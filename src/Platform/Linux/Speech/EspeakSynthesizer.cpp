@@ -105,6 +105,8 @@ void EspeakSynthesizer::endListing() {
         if (!voices.americanEnglish && voice.voice.language == u"en-US")
             voices.americanEnglish = voice.voice;
     }
+    if (!voices.all.empty())
+        voices.engine = QStringLiteral("espeak-ng");
     for (const auto& onRead : std::exchange(m_onRead, {}))
         onRead(voices);
 }

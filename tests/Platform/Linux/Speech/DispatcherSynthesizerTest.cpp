@@ -59,6 +59,7 @@ TEST_F(DispatcherSynthesizerTest, readsTheDaemonsEnglishVoicesWithoutTheirVarian
     const auto synthesizer = make();
     const auto voices = prepare(*synthesizer);
     EXPECT_EQ(voices.americanEnglish, (SpeechVoice{.language = u"en-US"_s}));
+    EXPECT_EQ(voices.engine, u"Speech Dispatcher"_s);
     ASSERT_FALSE(voices.all.empty());
     for (const SpeechVoice& voice : voices.all) {
         EXPECT_TRUE(voice.language.startsWith(u"en")) << voice.language.toStdString();
@@ -128,6 +129,7 @@ TEST_F(DispatcherSynthesizerTest, withoutADaemonAnUtteranceEndsAtOnce) {
     const auto synthesizer = make();
     const auto voices = prepare(*synthesizer);
     EXPECT_FALSE(voices.americanEnglish);
+    EXPECT_EQ(voices.engine, QString{});
     synthesizer->speak(utterance(u"Hello."_s));
     ASSERT_TRUE(waitForEnds(1));
     EXPECT_EQ(failures(), std::vector{SpeechFailure::noEngine});
@@ -234,11 +236,12 @@ TEST_F(DispatcherSynthesizerTest, aDaemonThatIsGoneForGoodIsLeftForEspeak) {
     PrivateSpeechDaemon daemon;
     const auto listening = hearOutput();
     const auto speech = makeDesktop();
-    prepare(*speech);
+    EXPECT_EQ(prepare(*speech).engine, u"Speech Dispatcher"_s);
     daemon.kill();
     speech->speak(utterance(u"Lost."_s));
     ASSERT_TRUE(waitForEnds(1));
     EXPECT_FALSE(speech->usesDispatcher());
+    EXPECT_EQ(prepare(*speech).engine, u"espeak-ng"_s);
     EXPECT_TRUE(failures().empty()) << "there is another engine yet";
     speech->speak(utterance(u"Hello."_s));
     ASSERT_TRUE(waitForEnds(2));

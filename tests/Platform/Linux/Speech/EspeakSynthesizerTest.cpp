@@ -59,6 +59,7 @@ TEST_F(EspeakSynthesizerTest, readsTheEnglishVoicesThatAreInstalled) {
     ASSERT_TRUE(voices.americanEnglish);
     EXPECT_EQ(voices.americanEnglish->language, u"en-US"_s);
     EXPECT_FALSE(voices.americanEnglish->name.isEmpty());
+    EXPECT_EQ(voices.engine, u"espeak-ng"_s);
     EXPECT_TRUE(failures().empty());
 }
 
@@ -188,6 +189,7 @@ TEST_F(EspeakSynthesizerTest, withoutAnEngineAnUtteranceEndsAtOnce) {
     const auto voices = prepare(*synthesizer);
     EXPECT_TRUE(voices.all.empty());
     EXPECT_FALSE(voices.americanEnglish);
+    EXPECT_EQ(voices.engine, QString{});
     synthesizer->speak(utterance(u"Hello."_s));
     ASSERT_TRUE(waitForEnds(1));
     EXPECT_EQ(failures(), std::vector{SpeechFailure::noEngine});
