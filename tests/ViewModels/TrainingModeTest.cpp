@@ -76,7 +76,12 @@ TEST(TrainingModeTest, withRepliesMutedNothingIsSpokenAndTheStageReturnsAtTheRep
     EXPECT_EQ(fixture.session().trainStage(), TrainStage::listening);
     EXPECT_EQ(fixture.session().statusText(), u"Listening..."_s);
     EXPECT_TRUE(fixture.factory.tts.fed.isEmpty());
+    settle();
     EXPECT_TRUE(fixture.log.empty());
+    EXPECT_FALSE(fixture.audio->muted);
+    fixture.audio->deliver("still heard");
+    settle();
+    EXPECT_EQ(fixture.stt->received.back(), "still heard");
     EXPECT_EQ(fixture.session().transcriptLines().lines().back().text, u"Hello"_s);
     fixture.session().toggleTtsMute();
     EXPECT_FALSE(fixture.session().isTtsMuted());

@@ -15,9 +15,14 @@ protected:
         world.keep(world.recordOf({.companyName = u"Nordwind"_s}));
         world.appear();
     }
-    QString day() {
+    QString day() { return days().value(0); }
+    /// Of each row.
+    QStringList days() {
         const auto* const rows = world.view().rows();
-        return rows->data(rows->index(0), SessionListModel::sectionRole).toString();
+        QStringList days;
+        for (int row = 0; row < rows->rowCount(); ++row)
+            days << rows->data(rows->index(row), SessionListModel::sectionRole).toString();
+        return days;
     }
     void pass(std::chrono::nanoseconds time) { settleAfter(world.fixture.clock, time); }
     [[nodiscard]] qsizetype timesBuilt() const {
@@ -45,6 +50,21 @@ TEST_F(HistoryDayTest, aMidnightThatTheComputerSleptThroughIsNoticedWithinAMinut
     EXPECT_EQ(day(), u"Today"_s);
     pass(1min);
     EXPECT_EQ(day(), u"Yesterday"_s);
+}
+
+TEST_F(HistoryDayTest, aClockThatIsSetBackOverMidnightIsNoticedWithinAMinute) {
+    world.keep(world.recordOf({.companyName = u"Yesterday's"_s}, 24h));
+    ASSERT_EQ(days(), (QStringList{u"Today"_s, u"Yesterday"_s}));
+    world.fixture.clock.advanceWallAlone(-12h);
+    pass(1min - 1ms);
+    EXPECT_EQ(days(), (QStringList{u"Today"_s, u"Yesterday"_s}));
+    pass(1ms);
+    EXPECT_EQ(days(), (QStringList{u"02.03.2026"_s, u"Today"_s}));
+
+    // The right time is back, and what was to come is over.
+    world.fixture.clock.advanceWallAlone(12h);
+    pass(1min);
+    EXPECT_EQ(days(), (QStringList{u"Today"_s, u"Yesterday"_s}));
 }
 
 TEST_F(HistoryDayTest, aMidnightWithARecordOpenShowsInTheListAfterwards) {
