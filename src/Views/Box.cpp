@@ -67,8 +67,12 @@ public:
             m_window->rendererInterface()->getResource(m_window, QSGRendererInterface::PainterResource));
         if (!painter)
             return;
-        if (const QRegion* const clip = state->clipRegion(); clip && !clip->isEmpty())
+        if (const QRegion* const clip = state->clipRegion()) {
+            // Nothing of it is to be seen: scrolled away, or behind what hides it.
+            if (clip->isEmpty())
+                return;
             painter->setClipRegion(*clip, Qt::ReplaceClip);
+        }
         painter->setOpacity(inheritedOpacity());
         const QTransform transform = matrix()->toTransform();
         if (transform.isRotating()) {

@@ -28,13 +28,21 @@ public:
         EXPECT_TRUE(spinUntil([this] { return m_window.isExposed(); }));
     }
 
-    Box& add(const QRectF& place, const QColor& color, qreal radius = 0) {
-        auto* const box = new Box{m_window.contentItem()};
+    Box& add(const QRectF& place, const QColor& color, qreal radius = 0, QQuickItem* parent = nullptr) {
+        auto* const box = new Box{parent ? parent : m_window.contentItem()};
         box->setPosition(place.topLeft());
         box->setSize(place.size());
         box->setColor(color);
         box->setRadius(radius);
         return *box;
+    }
+    /// Shows no more of what is put in it than lies in `place`. Its child scrolls.
+    QQuickItem& addWindow(const QRectF& place) {
+        auto* const window = new QQuickItem{m_window.contentItem()};
+        window->setPosition(place.topLeft());
+        window->setSize(place.size());
+        window->setClip(true);
+        return *new QQuickItem{window};
     }
     [[nodiscard]] QImage picture() {
         QImage picture = m_window.grabWindow().convertToFormat(QImage::Format_RGB32);
@@ -145,6 +153,32 @@ TEST(BoxTest, aRepaintOfAPartLooksLikeOneOfTheWhole) {
         scene.awaitFrame();
         const QImage partly = scene.screenPicture();
         EXPECT_EQ(partly, scene.picture().copy(partly.rect()));
+    }
+}
+
+TEST(BoxTest, nothingIsPaintedOutsideWhatAWindowShowsHoweverItIsScrolled) {
+    BoxScene scene;
+    const QRectF place{0, 40, 200, 40};
+    QQuickItem& scrolled = scene.addWindow(place);
+    // Above the window, across its edges, in it and below.
+    for (int i = 0; i < 8; ++i)
+        scene.add({10, -38.0 + 15 * i, 100, 12}, Qt::white, 3, &scrolled);
+    const auto isOutside = [&](int y) {
+        const qreal line = (y + 0.5) / scene.ratio();
+        return line < place.top() - 1 || line > place.bottom() + 1;
+    };
+    for (const qreal way : {0.0, -7.0, 11.0, 15.0, -30.0}) {
+        scrolled.setY(way);
+        scene.awaitFrame();
+        for (const QImage& picture : {scene.screenPicture(), scene.picture()}) {
+            int inside = 0;
+            for (int y = 0; y < picture.height(); ++y) {
+                const bool isPainted = picture.pixel(static_cast<int>(50 * scene.ratio()), y) != black;
+                EXPECT_FALSE(isPainted && isOutside(y)) << y << " at " << way;
+                inside += isPainted ? 1 : 0;
+            }
+            EXPECT_GT(inside, 0) << "what is to be seen is";
+        }
     }
 }
 
