@@ -1,5 +1,7 @@
 #include "CalendarView.h"
 
+#include <algorithm>
+
 #include "HomeView.h"
 #include "MeetingText.h"
 #include "ViewModels/SessionViewModel.h"
@@ -14,8 +16,8 @@ CalendarView::CalendarView(SessionViewModel& session, HomeView& home, QObject* p
       m_home(home),
       m_meetings({"summary", "timeRange", "isExpanded", "chevron", "attendees", "moreAttendees", "companyName",
                   "companyCountry", "companyRevenue"}) {
-    connect(&session, &SessionViewModel::calendarErrorChanged, this, &CalendarView::stateChanged);
-    connect(&session, &SessionViewModel::isLoadingMeetingsChanged, this, &CalendarView::stateChanged);
+    connect(&session, &SessionViewModel::calendarErrorChanged, this, &CalendarView::updateState);
+    connect(&session, &SessionViewModel::isLoadingMeetingsChanged, this, &CalendarView::updateState);
     connect(&session, &SessionViewModel::upcomingMeetingsChanged, this, &CalendarView::updateMeetings);
     connect(&home, &HomeView::canStartChanged, this, &CalendarView::canStartChanged);
     updateMeetings();
@@ -50,6 +52,16 @@ void CalendarView::toggleMeeting(int row) {
     updateMeetings();
 }
 
+bool CalendarView::foldMeeting() {
+    const auto isUnfolded = [this](const CalendarMeeting& meeting) { return m_expandedMeetingId == meeting.id; };
+    // One that was unfolded may have left the list since.
+    if (std::ranges::none_of(m_session.upcomingMeetings(), isUnfolded))
+        return false;
+    m_expandedMeetingId.reset();
+    updateMeetings();
+    return true;
+}
+
 void CalendarView::startCall(int row) {
     m_home.startMeeting(row);
 }
@@ -64,6 +76,14 @@ void CalendarView::updateMeetings() {
                         meeting::companyCountry(meeting), meeting::companyRevenue(meeting)});
     }
     m_meetings.assign(rows);
+    updateState();
+}
+
+void CalendarView::updateState() {
+    const State state{.error = calendarError(), .isLoading = showsLoading(), .isEmpty = showsEmptyState()};
+    if (m_state == state)
+        return;
+    m_state = state;
     Q_EMIT stateChanged();
 }
 

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] const std::optional<QString>& expandedMeetingId() const { return m_expandedMeetingId; }
     /// Unfolds a meeting in place of any other, or folds it.
     Q_INVOKABLE void toggleMeeting(int row);
+    /// Folds the meeting that is unfolded. \return false when none is
+    Q_INVOKABLE bool foldMeeting();
     /// Starts the call of a meeting, as the home screen does.
     Q_INVOKABLE void startCall(int row);
 
@@ -57,12 +59,23 @@ Q_SIGNALS:
     void canStartChanged();
 
 private:
+    struct State {
+        QString error;
+        bool isLoading = false;
+        bool isEmpty = true;
+
+        bool operator==(const State&) const = default;
+    };
+
     void updateMeetings();
+    /// Tells of a change only where there is one: the keyboard moves with it.
+    void updateState();
 
     SessionViewModel& m_session;
     HomeView& m_home;
     std::optional<QString> m_expandedMeetingId;
     RowsModel m_meetings;
+    State m_state;
 };
 
 }  // namespace corvellan

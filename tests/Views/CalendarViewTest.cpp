@@ -110,6 +110,31 @@ TEST_F(CalendarViewTest, unfoldingASecondCardFoldsTheFirst) {
     EXPECT_FALSE(calendar().expandedMeetingId());
 }
 
+TEST_F(CalendarViewTest, foldingAndAFreshListChangeNothingButTheCards) {
+    session().setUpcomingMeetings({meetingNamed(u"m-1"_s, u"One"_s)});
+    calendar();
+    QSignalSpy changes{&calendar(), &CalendarView::stateChanged};
+    calendar().toggleMeeting(0);
+    calendar().toggleMeeting(0);
+    session().setUpcomingMeetings({meetingNamed(u"m-2"_s, u"Two"_s)});
+    EXPECT_EQ(changes.count(), 0);
+    session().setUpcomingMeetings({});
+    EXPECT_EQ(changes.count(), 1);
+}
+
+TEST_F(CalendarViewTest, foldingTellsWhetherThereWasSomethingToFold) {
+    EXPECT_FALSE(calendar().foldMeeting());
+    session().setUpcomingMeetings({meetingNamed(u"m-1"_s, u"One"_s), meetingNamed(u"m-2"_s, u"Two"_s)});
+    EXPECT_FALSE(calendar().foldMeeting());
+    calendar().toggleMeeting(1);
+    EXPECT_TRUE(calendar().foldMeeting());
+    EXPECT_EQ(shown(1, "isExpanded"), false);
+    EXPECT_FALSE(calendar().foldMeeting());
+    calendar().toggleMeeting(0);
+    session().setUpcomingMeetings({meetingNamed(u"m-2"_s, u"Two"_s)});
+    EXPECT_FALSE(calendar().foldMeeting()) << "the unfolded one is gone";
+}
+
 TEST_F(CalendarViewTest, anUnfoldedCardStaysSoInAFreshList) {
     session().setUpcomingMeetings({meetingNamed(u"m-1"_s, u"One"_s), meetingNamed(u"m-2"_s, u"Two"_s)});
     calendar().toggleMeeting(1);
@@ -139,6 +164,15 @@ TEST_F(CalendarViewTest, aCallStartsAsFromTheHomeScreen) {
     EXPECT_EQ(fixture.home().quickStartCompany(), u"Two"_s);
     calendar().startCall(7);
     EXPECT_EQ(session().currentCompany(), u"Two"_s);
+}
+
+TEST_F(CalendarViewTest, aMeetingWithoutAMatchStartsUnderItsOwnTitle) {
+    session().setUpcomingMeetings({meetingNamed(u"m-1"_s, u"Weekly"_s)});
+    calendar().startCall(0);
+    const StartSessionPayload start = fixture.started();
+    EXPECT_EQ(start.company, u"Weekly"_s);
+    EXPECT_FALSE(start.hubspotId);
+    EXPECT_EQ(start.calendarEventId, u"m-1"_s);
 }
 
 TEST_F(CalendarViewTest, noCardStartsWhileACallIsOnItsWay) {

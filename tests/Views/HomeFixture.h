@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <memory>
 
 #include "FakeHandoffWindow.h"
@@ -69,6 +71,15 @@ public:
         home().setQuickStartCompany(text);
         settleAfter(session.clock, std::chrono::milliseconds{400});
         settle();
+    }
+    /// What the server is told when a call has come to it.
+    [[nodiscard]] StartSessionPayload started() {
+        settle();
+        for (const ClientMsg& message : session.ws->sent)
+            if (const auto* start = std::get_if<StartSessionPayload>(&message.value))
+                return *start;
+        ADD_FAILURE() << "no call was started";
+        return {};
     }
     void giveStore(FakeStore& store) {
         session.session().setModelContext(&store);

@@ -15,15 +15,7 @@ protected:
     HomeView& home() { return fixture.home(); }
     SessionViewModel& session() { return fixture.session.session(); }
     CallPrep& prep() { return *home().callPrep(); }
-    /// What the server is told when the call has come to it.
-    StartSessionPayload started() {
-        settle();
-        for (const ClientMsg& message : fixture.session.ws->sent)
-            if (const auto* start = std::get_if<StartSessionPayload>(&message.value))
-                return *start;
-        ADD_FAILURE() << "no call was started";
-        return {};
-    }
+    StartSessionPayload started() { return fixture.started(); }
 
     HomeFixture fixture;
 };

@@ -25,6 +25,15 @@ Item {
     implicitWidth: column.implicitWidth
     implicitHeight: column.implicitHeight
 
+    // What is about to fold may have the keyboard.
+    Keys.onEscapePressed: event => {
+        event.accepted = isExpanded;
+        if (!isExpanded)
+            return;
+        head.forceActiveFocus(Qt.TabFocusReason);
+        calendar.foldMeeting();
+    }
+
     ColumnLayout {
         id: column
 

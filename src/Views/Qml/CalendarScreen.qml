@@ -13,6 +13,8 @@ TabScreen {
 
     // The page scrolls whatever has the keyboard.
     Keys.forwardTo: [area]
+    // From wherever on the screen the keyboard is.
+    Keys.onEscapePressed: event => event.accepted = root.calendar.foldMeeting()
     onAppeared: root.calendar.appear()
 
     ScrollArea {

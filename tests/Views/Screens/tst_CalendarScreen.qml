@@ -20,6 +20,26 @@ ScreenCase {
         }
     }
 
+    Component {
+        id: surroundings
+
+        FocusScope {
+            readonly property CalendarScreen screen: inside
+            property int escapes: 0
+
+            width: 680
+            height: 900
+            Keys.onEscapePressed: ++escapes
+
+            CalendarScreen {
+                id: inside
+
+                calendar: homeDriver.calendar
+                theme: homeDriver.theme
+            }
+        }
+    }
+
     function init() {
         homeDriver.reset();
     }
@@ -133,6 +153,42 @@ ScreenCase {
         verify(driver.spoken(head).description.startsWith("Unfolded"));
         verify(!shows(screen, "quickCall0"));
         verify(shows(screen, "quickCall1"));
+    }
+
+    function test_theKeyboardStaysWhereItIsWhateverComes() {
+        homeDriver.setMeetings(2);
+        const screen = open();
+        const head = control(screen, "meetingHead1");
+        head.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Return);
+        tryVerify(() => shows(screen, "startCall1"));
+        verify(head.activeFocus, "a card that unfolds keeps it");
+        homeDriver.setMeetings(3);
+        tryVerify(() => shows(screen, "meetingHead2"));
+        verify(head.activeFocus, "a fresh list leaves it there");
+    }
+
+    function test_escapeFoldsTheOpenCardAndNothingElse_data() {
+        return [{ tag: "from its head", at: "meetingHead0", then: "meetingHead0" },
+                { tag: "from within", at: "startCall0", then: "meetingHead0" },
+                { tag: "from another", at: "meetingHead1", then: "meetingHead1" },
+                { tag: "from the header", at: "refresh", then: "refresh" }];
+    }
+
+    function test_escapeFoldsTheOpenCardAndNothingElse(data) {
+        homeDriver.setMeetings(2);
+        const place = createTemporaryObject(surroundings, testCase);
+        const screen = place.screen;
+        screen.forceActiveFocus();
+        press(control(screen, "meetingHead0"));
+        tryVerify(() => shows(screen, "startCall0"));
+        control(screen, data.at).forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !shows(screen, "startCall0"));
+        verify(control(screen, data.then).activeFocus);
+        compare(place.escapes, 0);
+        keyClick(Qt.Key_Escape);
+        compare(place.escapes, 1, "for whatever lies round it");
     }
 
     function test_unfoldingASecondCardFoldsTheFirst() {
