@@ -41,11 +41,11 @@ FocusScope {
         dashboard: root.views.dashboard
         theme: root.theme
     }
-    Rectangle {
+    Divider {
         x: sidebar.width
         width: 1
         height: parent.height
-        color: root.theme.hairline
+        theme: root.theme
     }
     TabStage {
         x: sidebar.width + 1

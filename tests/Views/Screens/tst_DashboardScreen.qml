@@ -146,6 +146,23 @@ ScreenCase {
         compare(control(make(), "sidebar-version").text, "v1.2.3");
     }
 
+    /// The plain rectangles in `item` that show something: at broken ratios they are not sharp.
+    function plainRectangles(item) {
+        let found = item.toString().startsWith("QQuickRectangle") && !item.gradient ? [item] : [];
+        for (let i = 0; i < item.children.length; ++i)
+            found = found.concat(plainRectangles(item.children[i]));
+        return found;
+    }
+
+    function test_everyLineAndGroundIsSharpAtAnyRatio() {
+        const window = make();
+        for (const tab of driver.views.dashboard.visibleTabs) {
+            driver.views.dashboard.selectTab(tab.name);
+            waitForRendering(window);
+            compare(plainRectangles(control(window, "face")).length, 0, tab.name);
+        }
+    }
+
     function test_everythingIsReachedAtTheSmallestSize() {
         driver.useProductionServer();
         driver.setUser("sandra.weiss@nordwind.example");
