@@ -21,6 +21,7 @@
 #include <QWheelEvent>
 
 #include "Base/Tasks.h"
+#include "Box.h"
 
 namespace corvellan {
 
@@ -77,6 +78,22 @@ QRectF placeOf(const Link& link, const QTextBlock& block) {
     const qreal right = line.cursorToX(last);
     return QRectF{left, line.y(), right - left, line.height()}.translated(
         block.document()->documentLayout()->blockBoundingRect(block).topLeft());
+}
+
+/// The place on the page of the text in `cell`.
+QRectF placeOf(const QTextTableCell& cell) {
+    QRectF place;
+    for (auto it = cell.begin(); !it.atEnd(); ++it) {
+        const QTextBlock block = it.currentBlock();
+        place |= block.document()->documentLayout()->blockBoundingRect(block);
+    }
+    return place;
+}
+
+/// So that lines of one height look alike wherever they lie and however the page is scaled.
+void fillOnDevicePixels(QPainter& painter, const QRectF& place, const QColor& color) {
+    const QTransform toDevice = painter.deviceTransform();
+    painter.fillRect(toDevice.inverted().mapRect(onDevicePixels(toDevice.mapRect(place), 1)), color);
 }
 
 }  // namespace
@@ -140,6 +157,7 @@ void MarkdownWebView::layOut() {
         m_contentSize = m_document->size() * m_zoom;
     }
     findLinks();
+    findLines();
     setImplicitHeight(m_contentSize.height());
     Q_EMIT layoutChanged();
     scrollTo(m_content);
@@ -159,6 +177,49 @@ void MarkdownWebView::findLinks() {
                                        {u"text"_s, link.text},
                                        {u"rect"_s, QRectF{place.topLeft() * m_zoom, place.size() * m_zoom}}});
         }
+}
+
+void MarkdownWebView::findLines() {
+    m_lines.clear();
+    if (!m_document || m_contentSize.isEmpty())
+        return;
+    const QAbstractTextDocumentLayout& layout = *m_document->documentLayout();
+    const qreal margin = m_document->documentMargin();
+    for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next())
+        if (block.blockFormat().headingLevel() == 2) {
+            const qreal y = layout.blockBoundingRect(block).bottom() + headingLineDistance;
+            m_lines.push_back(
+                {{margin, y, m_document->textWidth() - 2 * margin, NoteDocument::lineHeight}, headingLine});
+        }
+    for (QTextFrame* const frame : m_document->rootFrame()->childFrames())
+        if (auto* const table = qobject_cast<QTextTable*>(frame))
+            for (int row = 0; row < table->rows(); ++row)
+                if (const Line line = lineBelow(*table, row); !line.place.isEmpty())
+                    m_lines.push_back(line);
+}
+
+MarkdownWebView::Line MarkdownWebView::lineBelow(QTextTable& table, int row) const {
+    const QAbstractTextDocumentLayout& layout = *m_document->documentLayout();
+    Line line;
+    qreal bottom = 0;
+    qreal right = layout.frameBoundingRect(&table).right();
+    for (int column = 0; column < table.columns(); ++column) {
+        const QTextTableCell cell = table.cellAt(row, column);
+        const QTextTableCellFormat format = cell.format().toTableCellFormat();
+        const QRectF text = placeOf(cell);
+        if (!format.hasProperty(NoteDocument::lineColorProperty)) {
+            right = text.left() - format.leftPadding();
+            break;
+        }
+        line.color = format.colorProperty(NoteDocument::lineColorProperty);
+        bottom = std::max(bottom, text.bottom() + format.bottomPadding());
+        if (column == 0)
+            line.place.setLeft(text.left() - format.leftPadding());
+    }
+    line.place.setTop(bottom - NoteDocument::lineHeight);
+    line.place.setBottom(bottom);
+    line.place.setRight(right);
+    return line;
 }
 
 void MarkdownWebView::setZoom(qreal zoom) {
@@ -245,14 +306,8 @@ void MarkdownWebView::paint(QPainter* painter) {
     }
     if (!m_hoveredRow.isEmpty())
         painter->fillRect(m_hoveredRow, hoveredGround);
-    const qreal margin = m_document->documentMargin();
-    for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next()) {
-        if (block.blockFormat().headingLevel() == 2) {
-            const qreal y = layout.blockBoundingRect(block).bottom() + headingLineDistance;
-            painter->fillRect(QRectF{margin, y, m_document->textWidth() - 2 * margin, 1}, headingLine);
-        }
-        if (m_hoveredLink.isEmpty())
-            continue;
+    for (QTextBlock block = m_hoveredLink.isEmpty() ? QTextBlock{} : m_document->begin(); block.isValid();
+         block = block.next()) {
         for (const Link& link : linksOf(block)) {
             if (link.address != m_hoveredLink)
                 continue;
@@ -264,6 +319,9 @@ void MarkdownWebView::paint(QPainter* painter) {
         }
     }
     layout.draw(painter, context);
+    for (const Line& line : m_lines)
+        if (line.place.intersects(context.clip))
+            fillOnDevicePixels(*painter, line.place, line.color);
 }
 
 void MarkdownWebView::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
@@ -405,11 +463,8 @@ QRectF MarkdownWebView::rowAt(QPointF page) const {
     if (row == 0)
         return {};
     QRectF rect;
-    for (int column = 0; column < table->columns(); ++column) {
-        const QTextTableCell cell = table->cellAt(row, column);
-        for (auto it = cell.begin(); !it.atEnd(); ++it)
-            rect |= layout.blockBoundingRect(it.currentBlock());
-    }
+    for (int column = 0; column < table->columns(); ++column)
+        rect |= placeOf(table->cellAt(row, column));
     // The text in the last cells may end anywhere.
     const qreal margin = m_document->documentMargin();
     rect = rect.marginsAdded(cellPadding);

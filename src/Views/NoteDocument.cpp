@@ -21,7 +21,7 @@ constexpr int bodyTextSize = 13;
 constexpr int tableTextSize = 12;
 constexpr qreal tableMargin = 8;
 // Below a heading of level 2 a line is drawn: its distance, and its own height.
-constexpr qreal headingLineRoom = 4 + 1;
+constexpr qreal headingLineRoom = 4 + NoteDocument::lineHeight;
 
 /// The part of a note that is shown.
 QString shownPart(const QString& markdown) {
@@ -99,6 +99,13 @@ void restyleCell(QTextTableCell cell, bool isHead) {
     // The ground under the pointer: the engine takes it for the ordinary one.
     if (!isHead)
         format.clearBackground();
+    // A row's cells may be fewer than the table's columns; the others have no line.
+    if (format.bottomBorder() > 0) {
+        format.setProperty(NoteDocument::lineColorProperty, format.bottomBorderBrush().color());
+        format.setBottomPadding(format.bottomPadding() + NoteDocument::lineHeight);
+        format.setBottomBorder(0);
+        format.setBottomBorderStyle(QTextFrameFormat::BorderStyle_None);
+    }
     cell.setFormat(format);
     for (auto it = cell.begin(); !it.atEnd(); ++it) {
         const QTextBlock block = it.currentBlock();

@@ -3,6 +3,7 @@
 #include <memory>
 #include <QString>
 #include <QTextDocument>
+#include <QTextFormat>
 
 namespace corvellan {
 
@@ -16,6 +17,10 @@ public:
     /// that grows with its square, and that happens where it is drawn, at every change of its width.
     static constexpr qsizetype mostCharacters = 30'000;
     static constexpr qsizetype mostPieces = 2'000;  ///< Lines and table cells.
+    /// A cell's format has here the colour of the line below it, for whose height its padding has room. As a border
+    /// the engine would draw it at some broken scales thicker in one row than in the next.
+    static constexpr int lineColorProperty = QTextFormat::UserProperty + 1;
+    static constexpr qreal lineHeight = 1;
 
     /// \param thread where the document will live.
     [[nodiscard]] static std::shared_ptr<NoteDocument> make(const QString& markdown, QThread* thread);

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QImage>
@@ -45,8 +47,10 @@ protected:
         QWheelEvent turn{place, window.mapToGlobal(place), {}, {0, angle}, {}, {}, Qt::NoScrollPhase, false};
         QCoreApplication::sendEvent(&window, &turn);
     }
-    [[nodiscard]] QImage picture() const {
-        QImage image{400, 300, QImage::Format_RGB32};
+    /// On a screen with so many device pixels to one of the view's.
+    [[nodiscard]] QImage picture(qreal ratio = 1) const {
+        QImage image{QSize{400, 300} * ratio, QImage::Format_RGB32};
+        image.setDevicePixelRatio(ratio);
         image.fill(Qt::black);
         QPainter painter{&image};
         view->paint(&painter);
@@ -312,6 +316,41 @@ TEST_F(MarkdownWebViewTest, aHeadingOfLevelTwoHasALineBelow) {
     EXPECT_TRUE(lineIn(picture()));
     view->setMarkdown(u"### A"_s);
     EXPECT_FALSE(lineIn(picture()));
+}
+
+TEST_F(MarkdownWebViewTest, theLinesOfATableAreEquallyThickWhateverTheScale) {
+    view->setMarkdown(u"| a | b |\n|---|---|\n"_s + u"| 1 | 2 |\n"_s.repeated(8));
+    for (const qreal zoom : {1.0, 1.2, 0.83})
+        for (const qreal ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+            view->setZoom(zoom);
+            const QImage image = picture(ratio);
+            // Right of the letters and below the head there is nothing but the lines of the rows.
+            const int x = static_cast<int>(360 * ratio);
+            std::vector<int> heights;
+            for (int y = static_cast<int>(60 * zoom * ratio); y < image.height(); ++y) {
+                const bool isLine = image.pixel(x, y) != qRgb(0, 0, 0);
+                const bool wasLine = image.pixel(x, y - 1) != qRgb(0, 0, 0);
+                if (isLine && !wasLine)
+                    heights.push_back(0);
+                if (isLine && !heights.empty())
+                    ++heights.back();
+            }
+            ASSERT_GE(heights.size(), 5U) << zoom << ' ' << ratio;
+            const int whole = std::max(1, static_cast<int>(std::round(zoom * ratio)));
+            EXPECT_EQ(heights, std::vector(heights.size(), whole)) << zoom << ' ' << ratio;
+        }
+}
+
+TEST_F(MarkdownWebViewTest, aRowsLineEndsWithItsLastCell) {
+    view->setMarkdown(u"| a | b |\n|---|---|\n| 1 |"_s);
+    const QImage image = picture();
+    int y = static_cast<int>(view->contentHeight()) - 16 - 1;
+    while (y > 60 && image.pixel(20, y) == qRgb(0, 0, 0))
+        --y;
+    ASSERT_GT(y, 60) << "a line below the row";
+    EXPECT_NE(image.pixel(16, y), qRgb(0, 0, 0));
+    EXPECT_EQ(image.pixel(15, y), qRgb(0, 0, 0));
+    EXPECT_EQ(image.pixel(380, y), qRgb(0, 0, 0));
 }
 
 TEST_F(MarkdownWebViewTest, theGroundShowsThrough) {

@@ -88,8 +88,10 @@ TEST(NoteDocumentTest, aTableFillsTheWidthAndItsHeadStandsOut) {
     EXPECT_GT(head.background().color().alpha(), 0);
     // The ground of a row is for the pointer alone.
     EXPECT_EQ(body.background().style(), Qt::NoBrush);
-    EXPECT_GT(head.bottomBorder(), 0);
-    EXPECT_GT(body.bottomBorder(), 0);
+    EXPECT_EQ(head.colorProperty(NoteDocument::lineColorProperty).alpha(), 30);
+    EXPECT_EQ(body.colorProperty(NoteDocument::lineColorProperty).alpha(), 12);
+    EXPECT_EQ(head.bottomPadding(), 6 + NoteDocument::lineHeight);
+    EXPECT_EQ(body.bottomPadding(), 5 + NoteDocument::lineHeight);
     EXPECT_EQ(head.leftPadding(), 10);
     EXPECT_EQ(body.topPadding(), 5);
     EXPECT_EQ(formatOf(table->cellAt(0, 0).firstCursorPosition().block()).font().pixelSize(), 12);
