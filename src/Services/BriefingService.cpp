@@ -81,6 +81,13 @@ BriefingServiceProtocol::Answer<T> fetchRecord(HttpClientProtocol& http, HttpReq
     co_return T::decode(answer->body);
 }
 
+/// Screens make a row of each: what a server sends beyond what it was asked for is dropped.
+template <typename T>
+void keepFirst(Decoded<std::vector<T>>& found, int most) {
+    if (found && found->size() > static_cast<std::size_t>(most))
+        found->erase(found->begin() + most, found->end());
+}
+
 /// The first characters of a body for a trace.
 QString traced(const QByteArray& body, qsizetype characters) {
     QStringDecoder decoder{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
@@ -119,6 +126,7 @@ BriefingServiceProtocol::Answer<std::vector<CalendarMeeting>> BriefingService::f
     auto meetings = decodeEvents(answer->body);
     if (!meetings)
         m_debugLog.write(u"CALENDAR_DECODE_ERR: "_s + meetings.error().errorDescription() + u" body="_s + body);
+    keepFirst(meetings, maxResults);
     co_return meetings;
 }
 
@@ -132,7 +140,9 @@ BriefingServiceProtocol::Answer<std::vector<ResolvedCompany>> BriefingService::s
     const auto answer = co_await fetch(m_http, std::move(request));
     if (!answer)
         co_return std::unexpected(answer.error());
-    co_return decodeMatches(answer->body);
+    auto matches = decodeMatches(answer->body);
+    keepFirst(matches, limit);
+    co_return matches;
 }
 
 BriefingServiceProtocol::Answer<SalesBrief> BriefingService::fetchBrief(QString token, CompanyQuery query) {

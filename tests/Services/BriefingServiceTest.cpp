@@ -100,6 +100,27 @@ TEST_F(BriefingServiceTest, aCompanyIsSearchedByAJsonBody) {
               (QJsonObject{{u"company"_s, u"Müller & \"Söhne\""_s}, {u"limit"_s, 3}}));
 }
 
+TEST_F(BriefingServiceTest, whatComesBeyondTheNumberAskedForIsDropped) {
+    const QByteArray meeting = R"({"id":"%","summary":"Demo","start":"a","end":"b","attendees":[]})";
+    const QByteArray match = R"({"source":"crm","id":%,"name":"Acme","confidence":1})";
+    const auto five = [](QByteArray row) {
+        QByteArrayList rows;
+        for (int i = 1; i <= 5; ++i)
+            rows.append(QByteArray{row}.replace('%', QByteArray::number(i)));
+        return rows.join(',');
+    };
+    server.answer(200, R"({"events":[)" + five(meeting) + "]}");
+    const auto meetings = complete(service->fetchUpcoming(token, 4));
+    ASSERT_TRUE(meetings) << descriptionOf(meetings).toStdString();
+    ASSERT_EQ(meetings->size(), 4U);
+    EXPECT_EQ(meetings->back().id, u"4"_s);
+    server.answer(200, R"({"matches":[)" + five(match) + "]}");
+    const auto matches = complete(service->searchCompany(token, u"Acme"_s, 3));
+    ASSERT_TRUE(matches) << descriptionOf(matches).toStdString();
+    ASSERT_EQ(matches->size(), 3U);
+    EXPECT_EQ(matches->back().id.stringValue, u"3"_s);
+}
+
 TEST_F(BriefingServiceTest, anEmptySearchIsSentAsItIs) {
     server.answer(200, R"({"matches":[]})");
     EXPECT_EQ(complete(service->searchCompany(token, {}, 3)).value().size(), 0U);

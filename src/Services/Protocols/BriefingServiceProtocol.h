@@ -51,9 +51,9 @@ public:
 
     virtual ~BriefingServiceProtocol() = default;
 
-    /// The next meetings of the user's calendar. Leaves its traces in the debug log.
+    /// The next meetings of the user's calendar, never more than asked for. Leaves its traces in the debug log.
     virtual Answer<std::vector<CalendarMeeting>> fetchUpcoming(QString token, int maxResults) = 0;
-    /// Matches of a name, which may be empty: guards are the caller's.
+    /// Matches of a name, never more than `limit`. The name may be empty: guards are the caller's.
     virtual Answer<std::vector<ResolvedCompany>> searchCompany(QString token, QString query, int limit) = 0;
     virtual Answer<SalesBrief> fetchBrief(QString token, CompanyQuery query) = 0;
     virtual Answer<HandoffResponse> fetchHandoff(QString token, CompanyQuery query) = 0;
