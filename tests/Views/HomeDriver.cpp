@@ -97,6 +97,17 @@ void HomeDriver::knowCompanies() {
     briefings.onTimeline = longTimeline;
 }
 
+void HomeDriver::fillBriefs(int rows) {
+    SalesBrief brief = fullBrief();
+    brief.topProducts.emplace();
+    brief.contacts.emplace();
+    for (int i = 1; i <= rows; ++i) {
+        brief.topProducts->push_back({.product_name = u"Product %1"_s.arg(i), .total_usd = StringOrNumber{i * 1000.0}});
+        brief.contacts->push_back({.email = u"guest%1@nordwind.example"_s.arg(i), .firstname = u"Guest %1"_s.arg(i)});
+    }
+    m_world->fixture.briefings().onBrief = [brief](const CompanyQuery&) { return brief; };
+}
+
 void HomeDriver::failLoads() {
     const Error refused = BriefingError{.status = 500};
     FakeBriefings& briefings = m_world->fixture.briefings();

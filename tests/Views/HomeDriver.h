@@ -28,6 +28,8 @@ public:
     Q_INVOKABLE void reset();
     /// The search finds two companies, the first with everything there can be of it.
     Q_INVOKABLE void knowCompanies();
+    /// Briefs have so many products and contacts from now on.
+    Q_INVOKABLE void fillBriefs(int rows);
     /// Every load fails from now on.
     Q_INVOKABLE void failLoads();
     /// Answers are held back, or let go.

@@ -80,15 +80,22 @@ ColumnLayout {
                 theme: root.theme
                 text: qsTr("Products")
             }
-            Repeater {
-                model: root.dossier.products
+            FoldList {
+                id: productList
 
-                RowLayout {
+                Layout.fillWidth: true
+                objectName: "productList"
+                theme: root.theme
+                spacing: 4
+                model: root.dossier.products
+                Accessible.name: qsTr("Products")
+
+                delegate: RowLayout {
                     id: product
 
                     required property var modelData
 
-                    Layout.fillWidth: true
+                    width: productList.width - 12
                     spacing: 8
 
                     ReadOut {
@@ -117,15 +124,22 @@ ColumnLayout {
                 theme: root.theme
                 text: qsTr("Contacts")
             }
-            Repeater {
-                model: root.dossier.contacts
+            FoldList {
+                id: contactList
 
-                ColumnLayout {
+                Layout.fillWidth: true
+                objectName: "contactList"
+                theme: root.theme
+                spacing: 4
+                model: root.dossier.contacts
+                Accessible.name: qsTr("Contacts")
+
+                delegate: ColumnLayout {
                     id: contact
 
                     required property var modelData
 
-                    Layout.fillWidth: true
+                    width: contactList.width - 12
                     spacing: 0
 
                     ReadOut {

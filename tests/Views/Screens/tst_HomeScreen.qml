@@ -272,6 +272,35 @@ ScreenCase {
                  "HubSpot", "AE Handoff", "Engagement"]);
     }
 
+    function test_aLongBriefMakesOnlyTheRowsThatShow_data() {
+        return [{ tag: "productList", first: "Product 1" }, { tag: "contactList", first: "Guest 1" }];
+    }
+
+    function test_aLongBriefMakesOnlyTheRowsThatShow(data) {
+        homeDriver.fillBriefs(2000);
+        const screen = unfolded();
+        const list = control(screen, data.tag);
+        compare(list.count, 2000);
+        tryVerify(() => list.height === 320);
+        compare(shownTexts(list)[0], data.first);
+        verify(list.contentItem.children.length < 60, list.contentItem.children.length);
+        list.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_End);
+        tryVerify(() => list.itemAtIndex(1999) !== null);
+        verify(list.contentItem.children.length < 60, list.contentItem.children.length);
+    }
+
+    function test_aShortBriefShowsAllOfItsRows() {
+        homeDriver.fillBriefs(3);
+        const screen = unfolded();
+        for (const name of ["productList", "contactList"]) {
+            const list = control(screen, name);
+            tryCompare(list, "height", list.contentHeight);
+            verify(list.itemAtIndex(2) !== null);
+            verify(!list.activeFocusOnTab);
+        }
+    }
+
     function test_aBriefOnItsWayShowsASpinnerAndTheStart() {
         const screen = searched();
         homeDriver.holdAnswers(true);
