@@ -17,7 +17,7 @@ constexpr float clippingLevel = 0.7F;
 
 QString percentage(float level) {
     constexpr double whole = 100;
-    return QString::asprintf("%.0f%%", static_cast<double>(level) * whole);
+    return text::fixed(static_cast<double>(level) * whole, 0) + u'%';
 }
 
 }  // namespace

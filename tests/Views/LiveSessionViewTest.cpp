@@ -123,6 +123,13 @@ TEST_F(LiveSessionViewTest, theMicrophoneIsHeardAboveOnePercent) {
     EXPECT_EQ(view.micLevelColor(), paint(ColorRole::yellow));
 }
 
+TEST_F(LiveSessionViewTest, aLevelBetweenTwoPercentagesIsWrittenAsTheEvenOne) {
+    session().setAudioLevel(0.125F);
+    EXPECT_EQ(view.micLevelText(), u"12%"_s);
+    session().setSystemAudioLevel(0.375F);
+    EXPECT_EQ(view.systemLevelText(), u"38%"_s);
+}
+
 TEST_F(LiveSessionViewTest, theOtherSideShowsOnceItSoundsOrStreams) {
     EXPECT_FALSE(view.showsSystem());
     session().setSystemAudioLevel(0.005F);

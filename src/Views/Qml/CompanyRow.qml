@@ -89,7 +89,8 @@ ColumnLayout {
         Layout.fillWidth: true
         objectName: "brief"
         implicitHeight: unfolded
-        visible: unfolded > 0
+        // A handoff note takes the brief's place at once, without its folding being watched.
+        visible: unfolded > 0 && !root.overlay.hasHandoff
         clip: true
 
         property real unfolded: root.overlay.isBriefShown ? brief.implicitHeight + 12 : 0
