@@ -112,6 +112,7 @@ TEST_F(CoachingOverlayViewTest, stagesOutsideTheLadderLeaveTheWholeBarDark) {
         session.setCallStage(stage);
         for (int cell = 0; cell < 7; ++cell) {
             EXPECT_EQ(stageText(cell), paint(ColorRole::white, 0.2)) << cell;
+            EXPECT_EQ(stageGround(cell), QColor{Qt::transparent}) << cell;
             EXPECT_FALSE(view.stages()->value(cell, "isCurrent").toBool()) << cell;
         }
     }

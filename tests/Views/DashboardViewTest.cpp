@@ -313,4 +313,20 @@ TEST_F(DashboardViewTest, aSessionThatHasEndedOpensTheHistory) {
     EXPECT_EQ(view().selectedTab(), SidebarTab::home) << "only one that comes where none was";
 }
 
+TEST_F(DashboardViewTest, eachSessionThatEndsWithASummaryLeavesTheUserInTheHistory) {
+    view();
+    for (const std::uint64_t duration : {60, 90}) {
+        view().select(SidebarTab::home);
+        fixture.goLive();
+        EXPECT_EQ(view().face(), u"session"_s);
+        EXPECT_EQ(view().selectedTab(), SidebarTab::home);
+        fixture.ws->deliver(ServerMsg::Value{SummaryPayload{.durationSecs = duration}});
+        settle();
+        session().stopSession();
+        settle();
+        EXPECT_EQ(view().face(), u"main"_s);
+        EXPECT_EQ(view().selectedTab(), SidebarTab::history) << duration;
+    }
+}
+
 }  // namespace corvellan::test

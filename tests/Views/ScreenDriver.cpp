@@ -137,6 +137,10 @@ void ScreenDriver::setFontScale(double scale) {
     session().setFontScale(scale);
 }
 
+void ScreenDriver::setPhase(const QString& phase) {
+    session().setCallPhase(phase);
+}
+
 void ScreenDriver::setProductHint(const QString& text) {
     session().setProductHint(text);
 }

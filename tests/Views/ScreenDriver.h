@@ -47,6 +47,7 @@ public:
     Q_INVOKABLE void setSpeaking(bool isSpeaking);
     Q_INVOKABLE void setFontScale(double scale);
     Q_INVOKABLE void setProductHint(const QString& text);
+    Q_INVOKABLE void setPhase(const QString& phase);
 
     /// What the desktop offers for hiding the window, by the cases' names, with a sentence.
     Q_INVOKABLE void setHidingOffer(const QString& offer, const QString& explanation);

@@ -40,12 +40,16 @@ ColumnLayout {
             Accessible.name: spoken
 
             Behavior on color {
+                objectName: "lighting"
+
                 ColorAnimation {
                     duration: 400
                     easing.type: Easing.InOutQuad
                 }
             }
             Behavior on inset {
+                objectName: "insetting"
+
                 NumberAnimation {
                     duration: 400
                     easing.type: Easing.InOutQuad

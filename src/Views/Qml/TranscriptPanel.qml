@@ -227,6 +227,7 @@ FocusScope {
                 NumberAnimation {
                     id: glide
 
+                    objectName: "glide"
                     target: list
                     property: "contentY"
                     easing.type: Easing.OutQuad

@@ -69,6 +69,28 @@ ScreenCase {
         verify(!shown(screen, "tipLabel"));
     }
 
+    function test_aKindWithoutATipStandsOverTheDimmedStatus() {
+        const screen = make();
+        driver.setStatus("Listening...");
+        driver.tip("listen", "", "");
+        compare(findChild(screen, "tipLabel").text, "LISTEN");
+        verify(shown(screen, "tipLabel"));
+        const message = findChild(screen, "message");
+        compare(message.text, "Listening...");
+        fuzzyCompare(message.color.a, 0.3, 0.01);
+        verify(message.mapToItem(screen, 0, 0).y >= findChild(screen, "tipLabel").mapToItem(screen, 0, 9).y);
+    }
+
+    function test_anEmptyPhaseTakesNoLine() {
+        const screen = make();
+        verify(!shown(screen, "phase"));
+        driver.setPhase("needs_analysis");
+        compare(findChild(screen, "phase").text, "→ Needs Analysis");
+        verify(shown(screen, "phase"));
+        driver.setPhase("");
+        verify(!shown(screen, "phase"));
+    }
+
     function test_theProductHintShowsOnlyWhenThereIsOne() {
         const screen = make();
         verify(!shown(screen, "productHint"));
@@ -105,8 +127,20 @@ ScreenCase {
         verify(row.color.a < 0.2, "the change is animated");
         tryVerify(() => Math.abs(row.color.a - 0.2) < 0.01);
         compare(findChild(screen, "criterion2").color.a, 0);
+        fuzzyCompare(row.inset, 4, 0.5);
         driver.setJustConfirmed(-1);
         tryCompare(row.color, "a", 0);
+    }
+
+    function test_theLightOfACriterionTakesFourTenthsOfASecond() {
+        const row = findChild(make(), "criterion3");
+        // Their animations are made at their first use.
+        driver.setJustConfirmed(3);
+        for (const name of ["lighting", "insetting"]) {
+            const animation = findChild(row, name).animation;
+            compare(animation.duration, 400);
+            compare(animation.easing.type, Easing.InOutQuad);
+        }
     }
 
     function test_longEvidenceStaysOnOneLine() {
@@ -147,6 +181,27 @@ ScreenCase {
         verify(shown(screen, "handoffCaption"));
         press(findChild(screen, "companyRow"));
         compare(driver.handoffsShown(), 1);
+        verify(!shown(screen, "brief"));
+    }
+
+    function test_aHandoffTakesThePlaceOfAnUnfoldedBriefAtOnce() {
+        driver.startCall("Nordwind");
+        driver.setBrief("240 devices");
+        driver.setMode("cold_call");
+        const screen = make();
+        press(findChild(screen, "companyRow"));
+        tryVerify(() => shown(screen, "brief"));
+        driver.setHandoff("# Note");
+        verify(!shown(screen, "brief"));
+        press(findChild(screen, "companyRow"));
+        compare(driver.handoffsShown(), 1);
+        verify(!shown(screen, "brief"));
+    }
+
+    function test_aBriefWithoutACompanyShowsNothing() {
+        driver.setBrief("240 devices");
+        const screen = make();
+        verify(!shown(screen, "companyRow"));
         verify(!shown(screen, "brief"));
     }
 

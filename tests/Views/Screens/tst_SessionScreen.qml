@@ -291,6 +291,25 @@ ScreenCase {
         verify(list.itemAtIndex(0) === null);
     }
 
+    function test_aLineRollsInSlowerThanAStreamedWord() {
+        const window = make();
+        const list = control(window, "transcript");
+        for (let i = 0; i < 60; ++i)
+            driver.say(i % 2, "Line " + i);
+        tryVerify(() => list.itemAtIndex(59) !== null && list.atYEnd);
+        const glide = findChild(list, "glide");
+        compare(glide.easing.type, Easing.OutQuad);
+        driver.setStreaming("A word");
+        tryVerify(() => glide.duration === 100);
+        tryVerify(() => !glide.running && list.atYEnd);
+        driver.say(0, "The last line");
+        tryVerify(() => glide.duration === 200);
+        tryVerify(() => !glide.running && list.atYEnd);
+        driver.setStreaming("");
+        waitForRendering(window);
+        compare(glide.duration, 200, "an end of the stream scrolls nothing");
+    }
+
     function test_tenThousandLinesHaveAsManyRowsAsFit() {
         const window = make();
         const list = control(window, "transcript");
