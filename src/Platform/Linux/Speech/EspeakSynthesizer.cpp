@@ -40,7 +40,7 @@ EspeakSynthesizer::EspeakSynthesizer(Clock& clock, OwnSpeech& ownSpeech, OnSpeec
       m_ownSpeech(ownSpeech),
       m_onFailure(std::move(onFailure)),
       m_program(std::move(program)),
-      m_listingLimit(m_loop, [this] { endListing(); }),
+      m_listingLimit(m_loop, [this] { m_voices.empty() ? endListing() : tellVoices(); }),
       m_watchdog(m_loop, [this] { watchdogDue(); }) {}
 
 EspeakSynthesizer::~EspeakSynthesizer() {
@@ -96,9 +96,13 @@ void EspeakSynthesizer::listingReadable() {
 }
 
 void EspeakSynthesizer::endListing() {
+    m_voices = parseEspeakVoices(m_listing, isMbrolaInstalled);
+    tellVoices();
+}
+
+void EspeakSynthesizer::tellVoices() {
     m_lister.reset();
     m_listingLimit.disarm();
-    m_voices = parseEspeakVoices(m_listing, isMbrolaInstalled);
     Voices voices;
     for (const EspeakVoice& voice : m_voices) {
         voices.all.push_back(voice.voice);

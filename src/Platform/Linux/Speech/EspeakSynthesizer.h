@@ -53,6 +53,9 @@ private:
 
     void listingReadable();
     void endListing();
+    /// Those that are known, to all who asked. A reading that is still under way is given up: what it has brought is
+    /// no better than a list that was read in its whole.
+    void tellVoices();
 
     void startNext();
     void engineReadable();

@@ -63,6 +63,18 @@ TEST_F(EspeakSynthesizerTest, readsTheEnglishVoicesThatAreInstalled) {
     EXPECT_TRUE(failures().empty());
 }
 
+TEST_F(EspeakSynthesizerTest, aLaterReadingThatHangsLeavesTheVoicesThatAreKnown) {
+    PrivatePulse pulse;
+    const QByteArray mark = path(u"read"_s).toUtf8();
+    const auto synthesizer =
+        make(script("[ -e " + mark + " ] && exec sleep 600\ntouch " + mark + "\nexec espeak-ng \"$@\"\n"));
+    const auto voices = prepare(*synthesizer);
+    ASSERT_FALSE(voices.all.empty());
+    const auto later = prepare(*synthesizer);
+    EXPECT_EQ(later.all, voices.all);
+    EXPECT_EQ(later.engine, voices.engine);
+}
+
 TEST_F(EspeakSynthesizerTest, speaksAndTellsTheEndWhenItIsOver) {
     PrivatePulse pulse;
     const auto listening = hearOutput();
