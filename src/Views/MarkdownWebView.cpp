@@ -80,13 +80,18 @@ QRectF placeOf(const Link& link, const QTextBlock& block) {
         block.document()->documentLayout()->blockBoundingRect(block).topLeft());
 }
 
+/// The place on the page of the text in `block`. The engine tells it without what the fixed height of its lines adds.
+QRectF placeOf(const QTextBlock& block) {
+    QRectF place = block.document()->documentLayout()->blockBoundingRect(block);
+    place.setHeight(block.layout()->lineCount() * block.blockFormat().lineHeight());
+    return place;
+}
+
 /// The place on the page of the text in `cell`.
 QRectF placeOf(const QTextTableCell& cell) {
     QRectF place;
-    for (auto it = cell.begin(); !it.atEnd(); ++it) {
-        const QTextBlock block = it.currentBlock();
-        place |= block.document()->documentLayout()->blockBoundingRect(block);
-    }
+    for (auto it = cell.begin(); !it.atEnd(); ++it)
+        place |= placeOf(it.currentBlock());
     return place;
 }
 
@@ -183,11 +188,10 @@ void MarkdownWebView::findLines() {
     m_lines.clear();
     if (!m_document || m_contentSize.isEmpty())
         return;
-    const QAbstractTextDocumentLayout& layout = *m_document->documentLayout();
     const qreal margin = m_document->documentMargin();
     for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next())
         if (block.blockFormat().headingLevel() == 2) {
-            const qreal y = layout.blockBoundingRect(block).bottom() + headingLineDistance;
+            const qreal y = placeOf(block).bottom() + headingLineDistance;
             m_lines.push_back(
                 {{margin, y, m_document->textWidth() - 2 * margin, NoteDocument::lineHeight}, headingLine});
         }
@@ -199,10 +203,9 @@ void MarkdownWebView::findLines() {
 }
 
 MarkdownWebView::Line MarkdownWebView::lineBelow(QTextTable& table, int row) const {
-    const QAbstractTextDocumentLayout& layout = *m_document->documentLayout();
     Line line;
     qreal bottom = 0;
-    qreal right = layout.frameBoundingRect(&table).right();
+    std::optional<qreal> right;
     for (int column = 0; column < table.columns(); ++column) {
         const QTextTableCell cell = table.cellAt(row, column);
         const QTextTableCellFormat format = cell.format().toTableCellFormat();
@@ -218,7 +221,9 @@ MarkdownWebView::Line MarkdownWebView::lineBelow(QTextTable& table, int row) con
     }
     line.place.setTop(bottom - NoteDocument::lineHeight);
     line.place.setBottom(bottom);
-    line.place.setRight(right);
+    // The engine tells a table's width, but not its place.
+    const qreal width = m_document->documentLayout()->frameBoundingRect(&table).width();
+    line.place.setRight(right.value_or(line.place.left() + width));
     return line;
 }
 

@@ -306,16 +306,41 @@ TEST_F(MarkdownWebViewTest, theRowUnderThePointerStandsOut) {
 }
 
 TEST_F(MarkdownWebViewTest, aHeadingOfLevelTwoHasALineBelow) {
-    const auto lineIn = [](const QImage& image) {
+    const auto linesIn = [](const QImage& image) {
+        QList<int> lines;
         for (int y = 0; y < 80; ++y)
             if (image.pixel(390 - 16, y) != qRgb(0, 0, 0))
-                return true;
-        return false;
+                lines.append(y);
+        return lines;
     };
     view->setMarkdown(u"## A"_s);
-    EXPECT_TRUE(lineIn(picture()));
+    // Below the margin, a line of 24 and a distance of 4.
+    EXPECT_EQ(linesIn(picture()), QList<int>{16 + 24 + 4});
     view->setMarkdown(u"### A"_s);
-    EXPECT_FALSE(lineIn(picture()));
+    EXPECT_EQ(linesIn(picture()), QList<int>{});
+}
+
+TEST_F(MarkdownWebViewTest, aTablesLinesLieBelowThePaddingAndEndWithTheTable) {
+    view->setMarkdown(u"| a | b |\n|---|---|\n| 1 | 2 |\n| 3 | 4 |"_s);
+    const QImage image = picture();
+    const auto shows = [&](int x, int y) { return image.pixel(x, y) != qRgb(0, 0, 0); };
+    int y = 0;
+    while (y < 60 && !shows(360, y))
+        ++y;
+    // The ground of the head with its line, which lies on it, and below the others two paddings and a line of text.
+    const int head = y;
+    const int headHeight = 6 + 18 + 6;
+    EXPECT_EQ(image.pixel(360, head), image.pixel(360, head + headHeight - 1));
+    EXPECT_GT(qRed(image.pixel(360, head + headHeight)), qRed(image.pixel(360, head)));
+    QList<int> lines;
+    for (y = head + headHeight + 1; y < image.height(); ++y)
+        if (shows(360, y))
+            lines.append(y - head - headHeight);
+    EXPECT_EQ(lines, (QList<int>{29, 58}));
+    for (const int line : {headHeight, headHeight + 29}) {
+        EXPECT_TRUE(shows(383, head + line)) << line;
+        EXPECT_FALSE(shows(384, head + line)) << line;
+    }
 }
 
 TEST_F(MarkdownWebViewTest, theLinesOfATableAreEquallyThickWhateverTheScale) {
