@@ -12,7 +12,7 @@ ListView {
     readonly property bool isOverflowing: contentHeight > height + 0.5
 
     // A list of no height makes no row to have a height.
-    implicitHeight: count === 0 ? 0 : Math.min(Math.max(contentHeight, 40), greatestHeight)
+    implicitHeight: count === 0 ? 0 : Math.min(contentHeight > 0 ? contentHeight : 40, greatestHeight)
     clip: true
     reuseItems: true
     // Rows beyond the edge would be made later, bit by bit; one that is due when its company folds is asked for in vain.

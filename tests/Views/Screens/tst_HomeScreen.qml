@@ -290,13 +290,19 @@ ScreenCase {
         verify(list.contentItem.children.length < 60, list.contentItem.children.length);
     }
 
-    function test_aShortBriefShowsAllOfItsRows() {
-        homeDriver.fillBriefs(3);
+    function test_aShortBriefShowsAllOfItsRows_data() {
+        return [{ tag: "one", rows: 1 }, { tag: "three", rows: 3 }];
+    }
+
+    function test_aShortBriefShowsAllOfItsRows(data) {
+        homeDriver.fillBriefs(data.rows);
         const screen = unfolded();
         for (const name of ["productList", "contactList"]) {
             const list = control(screen, name);
             tryCompare(list, "height", list.contentHeight);
-            verify(list.itemAtIndex(2) !== null);
+            const last = list.itemAtIndex(data.rows - 1);
+            verify(last !== null);
+            compare(list.height, last.y + last.height);
             verify(!list.activeFocusOnTab);
         }
     }
