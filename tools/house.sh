@@ -197,11 +197,12 @@ everyTenth() {
     done
 }
 
-# testNames PRESET [CTEST SELECTION...]: whether or not they are built yet.
+# testNames PRESET [CTEST SELECTION...]: whether or not they are built yet; "ScreensTest" for all "ScreensTest.Main"s.
 testNames() {
     local preset=$1
     shift
-    (cd "$houseRoot/build/$preset" && ctest -N "$@") | sed -n 's/^ *Test *#[0-9]*: //p'
+    (cd "$houseRoot/build/$preset" && ctest -N "$@") | sed -n 's/^ *Test *#[0-9]*: \([^.]*\).*/\1/p' |
+        sort -u
 }
 
 # knownTargets PRESET NAME...: those of the names that can be built.
