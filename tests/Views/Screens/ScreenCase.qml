@@ -20,6 +20,12 @@ TestCase {
         return found !== null && found.visible;
     }
 
+    /// Within the window: beside it wait the screens of the tabs that are not open.
+    function isSeen(window, name) {
+        const found = findChild(window, name);
+        return found !== null && found.visible && found.mapToItem(window, 0, 0).x < window.width;
+    }
+
     /// All items that show a text, from top to bottom; icons are none.
     function shownTextItems(item) {
         let shown = [];

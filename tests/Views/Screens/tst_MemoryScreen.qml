@@ -250,9 +250,9 @@ ScreenCase {
         const window = open();
         control(window, "memoryText").insert(0, "North");
         driver.views.dashboard.selectTab("settings");
-        tryVerify(() => findChild(window, "memoryText") === null);
+        tryVerify(() => !isSeen(window, "memoryText"));
         driver.views.dashboard.selectTab("memory");
-        tryVerify(() => findChild(window, "memoryText") !== null);
+        tryVerify(() => isSeen(window, "memoryText"));
         compare(control(window, "memoryText").text, "North");
     }
 

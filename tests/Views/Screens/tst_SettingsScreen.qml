@@ -66,16 +66,16 @@ ScreenCase {
         } else {
             driver.requestTab("settings");
         }
-        tryVerify(() => findChild(window, "form") !== null);
-        tryVerify(() => findChild(window, "homeArea") === null);
+        tryVerify(() => isSeen(window, "form"));
+        tryVerify(() => !isSeen(window, "homeArea"));
         if (data.tag === "mouse")
             press(control(window, "tab-home"));
         else if (data.tag === "accessibility")
             verify(driver.pressThroughAccessibility(control(window, "tab-home")));
         else
             keyClick(Qt.Key_1, Qt.ControlModifier);
-        tryVerify(() => findChild(window, "homeArea") !== null);
-        tryVerify(() => findChild(window, "form") === null);
+        tryVerify(() => isSeen(window, "homeArea"));
+        tryVerify(() => !isSeen(window, "form"));
     }
 
     function test_escapeClosesAnOpenPicker() {
