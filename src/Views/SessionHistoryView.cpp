@@ -64,6 +64,8 @@ void SessionHistoryView::onIndex(SessionStoreProtocol::Index records) {
         readOpenRecord();
     else if (m_isShowing)
         refreshList();
+    else if (m_rows.rowCount() == 0)
+        fillList();  // So that a screen which is made before it is opened has its rows.
     if (m_isShowing && isFreshThere)
         openFresh();
     Q_EMIT stateChanged();
@@ -125,6 +127,10 @@ void SessionHistoryView::showList() {
 
 void SessionHistoryView::refreshList() {
     m_parts.debugLog.write(u"HISTORY_VIEW: records.count="_s + QString::number(recordCount()));
+    fillList();
+}
+
+void SessionHistoryView::fillList() {
     static const auto none = std::make_shared<const std::vector<SessionIndexEntry>>();
     const auto records = m_records ? m_records : none;
     const WallTime now = m_parts.detail.clock.wallNow();
@@ -182,8 +188,8 @@ void SessionHistoryView::setFilterMode(FilterMode mode) {
     if (m_filterMode == mode)
         return;
     m_filterMode = mode;
-    Q_EMIT filtersChanged();
     refreshList();
+    Q_EMIT filtersChanged();
 }
 
 void SessionHistoryView::setFilterModeIndex(int index) {
@@ -199,8 +205,8 @@ void SessionHistoryView::setTimeRange(TimeRange range) {
     if (m_timeRange == range)
         return;
     m_timeRange = range;
-    Q_EMIT filtersChanged();
     refreshList();
+    Q_EMIT filtersChanged();
 }
 
 void SessionHistoryView::setTimeRangeIndex(int index) {

@@ -115,6 +115,7 @@ private:
     /// What happens each time the list appears.
     void showList();
     void refreshList();
+    void fillList();
     /// While the list shows, "Today" becomes "Yesterday" at midnight.
     void followDays();
     void openFresh();

@@ -39,24 +39,23 @@ void SessionListModel::assign(SessionStoreProtocol::Index records, RecordPlaces 
     while (tail < common - head && isSame(before - 1 - tail, after - 1 - tail))
         ++tail;
 
+    // Rows go and come, even all of them: a list keeps what it drew of rows that go for those that come, which a
+    // reset would have it make anew.
+    const auto from = static_cast<int>(head);
+    const auto lastGone = static_cast<int>(before - tail) - 1;
+    const auto lastNew = static_cast<int>(after - tail) - 1;
+    if (lastGone >= from) {
+        beginRemoveRows({}, from, lastGone);
+        m_filtered.erase(m_filtered.begin() + from, m_filtered.begin() + lastGone + 1);
+        endRemoveRows();
+    }
     const auto take = [&] {
         m_records = std::move(records);
         m_filtered = std::move(filtered);
         m_sections = std::move(sections);
     };
-    const auto from = static_cast<int>(head);
-    if (before > head + tail && after > head + tail) {
-        beginResetModel();
-        take();
-        endResetModel();
-        return;
-    }
-    if (before > head + tail) {
-        beginRemoveRows({}, from, static_cast<int>(before - tail) - 1);
-        take();
-        endRemoveRows();
-    } else if (after > head + tail) {
-        beginInsertRows({}, from, static_cast<int>(after - tail) - 1);
+    if (lastNew >= from) {
+        beginInsertRows({}, from, lastNew);
         take();
         endInsertRows();
     } else {

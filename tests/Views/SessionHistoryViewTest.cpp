@@ -82,6 +82,15 @@ TEST_F(SessionHistoryViewTest, recordsComeNewestFirst) {
     EXPECT_EQ(titles(), (QStringList{u"new"_s, u"middle"_s, u"old"_s}));
 }
 
+TEST_F(SessionHistoryViewTest, theRowsAreThereBeforeTheListAppearsForTheFirstTime) {
+    EXPECT_TRUE(titles().isEmpty());
+    world.keep(company(u"Nordwind"_s));
+    EXPECT_EQ(titles(), QStringList{u"Nordwind"_s});
+    EXPECT_EQ(lines(u"HISTORY_VIEW: records.count=1"_s), 0);
+    world.appear();
+    EXPECT_EQ(lines(u"HISTORY_VIEW: records.count=1"_s), 1);
+}
+
 TEST_F(SessionHistoryViewTest, filtersAreNamedByTheirTexts) {
     EXPECT_EQ(SessionHistoryView::filterModes(), (QStringList{u"Live"_s, u"Train"_s, u"All"_s}));
     EXPECT_EQ(SessionHistoryView::timeRanges(), (QStringList{u"24h"_s, u"7d"_s, u"30d"_s, u"All"_s}));

@@ -174,11 +174,16 @@ TEST_F(SessionListModelTest, aChangedRecordKeepsItsRow) {
     EXPECT_EQ(titles(), QStringList{u"b"_s});
 }
 
-TEST_F(SessionListModelTest, listsThatShareOnlyTheirEndsStartAnew) {
+TEST_F(SessionListModelTest, ofListsThatShareTheirEndsTheMiddleIsReplaced) {
     const std::vector entries{entry(u"a"_s), entry(u"b"_s), entry(u"c"_s)};
     assign(entries);
+    inserted.clear();
     assign({entries[0], entry(u"x"_s), entries[2]});
-    EXPECT_EQ(reset.count(), 1);
+    EXPECT_EQ(reset.count(), 0);
+    ASSERT_EQ(removed.count(), 1);
+    EXPECT_EQ(removed[0].mid(1), (QVariantList{1, 1}));
+    ASSERT_EQ(inserted.count(), 1);
+    EXPECT_EQ(inserted[0].mid(1), (QVariantList{1, 1}));
     EXPECT_EQ(titles(), (QStringList{u"a"_s, u"x"_s, u"c"_s}));
 }
 

@@ -40,6 +40,12 @@ TabScreen {
                 root.takeKeyboard();
         }
 
+        // Which stand above the first row.
+        function onFiltersChanged() {
+            list.currentIndex = -1;
+            list.positionViewAtBeginning();
+        }
+
         function onDetailChanged() {
             if (root.history.detail)
                 summary.setSource("SessionSummaryScreen.qml", { detail: root.history.detail, theme: root.theme });

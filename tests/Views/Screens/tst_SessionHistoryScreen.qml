@@ -83,8 +83,9 @@ ScreenCase {
         compare(shownTexts(row(screen, 2)), ["1/6", "price_push", "3m 12s", "12 turns"]);
         verify(Qt.colorEqual(control(row(screen, 2), "rowTitle").color, historyDriver.theme.cyan));
         verify(Qt.colorEqual(control(row(screen, 0), "score").color, historyDriver.theme.named["yellow"]));
-        const days = shownTexts(control(screen, "sessions")).filter(text => ["Today", "Yesterday"].includes(text));
-        compare(days, ["Today", "Yesterday"]);
+        const days = shownTextItems(control(screen, "sessions")).filter(item => item.objectName === "day");
+        days.sort((one, other) => one.mapToItem(screen, 0, 0).y - other.mapToItem(screen, 0, 0).y);
+        compare(days.map(day => day.text), ["Today", "Yesterday"]);
     }
 
     function test_statisticsFollowTheFilters() {
@@ -105,6 +106,24 @@ ScreenCase {
         compare(control(control(screen, "statCard0"), "value").text, "1");
         compare(shownTexts(control(screen, "criterionRates"))[1], "100%");
         verify(Qt.colorEqual(control(control(screen, "criterionRate0"), "letter").color, historyDriver.theme.green));
+    }
+
+    function test_aFilterThatReplacesEveryRowLeavesTheListAtItsBeginning() {
+        for (let i = 0; i < 30; ++i)
+            historyDriver.keep("Company " + i, 30 - i, { train: i % 2 === 0 });
+        const screen = open();
+        const list = control(screen, "sessions");
+        const period = control(screen, "filterMode");
+        for (const [segment, title] of [[1, "Company 28"], [0, "Company 29"], [1, "Company 28"], [2, "Company 29"]]) {
+            list.scrollBy(40);
+            press(control(period, "segment" + segment));
+            tryCompare(list, "count", segment === 2 ? 30 : 15);
+            tryVerify(() => row(screen, 0) && control(row(screen, 0), "rowTitle").text === title);
+            compare(list.contentY, list.originY, "the filters are in view");
+            compare(list.currentIndex, -1);
+            const first = row(screen, 0);
+            verify(first.y > 0 && row(screen, 1).y === first.y + first.height + list.spacing);
+        }
     }
 
     function test_aFilterWithoutMatchesKeepsThePickers() {
