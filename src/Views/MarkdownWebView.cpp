@@ -30,10 +30,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QColor textColor{0xe0, 0xe0, 0xe0};
-constexpr QColor headingLine{255, 255, 255, 26};
 constexpr QColor hoveredGround{255, 255, 255, 8};
 constexpr QColor selectedGround{0x2a, 0x5d, 0x9c};
-constexpr qreal headingLineDistance = 4;
 // The sides of a cell in a table's body, as its style has them.
 constexpr QMarginsF cellPadding{10, 5, 10, 5};
 constexpr qreal lineStep = 24;
@@ -41,58 +39,6 @@ constexpr qreal lineStep = 24;
 Executor*& worker() {
     static Executor* executor = nullptr;
     return executor;
-}
-
-struct Link {
-    QString address;
-    QString text;
-    int begin = 0;
-    int end = 0;
-};
-
-/// The links in `block`, whatever formats their text has.
-QList<Link> linksOf(const QTextBlock& block) {
-    QList<Link> links;
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
-        const QTextFragment fragment = it.fragment();
-        const QString address = fragment.charFormat().anchorHref();
-        if (address.isEmpty())
-            continue;
-        if (!links.isEmpty() && links.last().end == fragment.position() && links.last().address == address) {
-            links.last().end += fragment.length();
-            links.last().text += fragment.text();
-        } else {
-            links.append({address, fragment.text(), fragment.position(), fragment.position() + fragment.length()});
-        }
-    }
-    return links;
-}
-
-/// The place on the page of the first line of `link`.
-QRectF placeOf(const Link& link, const QTextBlock& block) {
-    const QTextLine line = block.layout()->lineForTextPosition(link.begin - block.position());
-    if (!line.isValid())
-        return {};
-    const int last = std::min(link.end - block.position(), line.textStart() + line.textLength());
-    const qreal left = line.cursorToX(link.begin - block.position());
-    const qreal right = line.cursorToX(last);
-    return QRectF{left, line.y(), right - left, line.height()}.translated(
-        block.document()->documentLayout()->blockBoundingRect(block).topLeft());
-}
-
-/// The place on the page of the text in `block`. The engine tells it without what the fixed height of its lines adds.
-QRectF placeOf(const QTextBlock& block) {
-    QRectF place = block.document()->documentLayout()->blockBoundingRect(block);
-    place.setHeight(block.layout()->lineCount() * block.blockFormat().lineHeight());
-    return place;
-}
-
-/// The place on the page of the text in `cell`.
-QRectF placeOf(const QTextTableCell& cell) {
-    QRectF place;
-    for (auto it = cell.begin(); !it.atEnd(); ++it)
-        place |= placeOf(it.currentBlock());
-    return place;
 }
 
 /// So that lines of one height look alike wherever they lie and however the page is scaled.
@@ -162,7 +108,7 @@ void MarkdownWebView::layOut() {
         m_contentSize = m_document->size() * m_zoom;
     }
     findLinks();
-    findLines();
+    m_lines = m_document && !m_contentSize.isEmpty() ? linesOf(*m_document) : std::vector<NoteLine>{};
     setImplicitHeight(m_contentSize.height());
     Q_EMIT layoutChanged();
     scrollTo(m_content);
@@ -174,7 +120,7 @@ void MarkdownWebView::findLinks() {
     if (!m_document || m_contentSize.isEmpty())
         return;
     for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next())
-        for (const Link& link : linksOf(block)) {
+        for (const NoteLink& link : linksOf(block)) {
             if (m_links.size() == mostLinks)
                 return;
             const QRectF place = placeOf(link, block);
@@ -182,49 +128,6 @@ void MarkdownWebView::findLinks() {
                                        {u"text"_s, link.text},
                                        {u"rect"_s, QRectF{place.topLeft() * m_zoom, place.size() * m_zoom}}});
         }
-}
-
-void MarkdownWebView::findLines() {
-    m_lines.clear();
-    if (!m_document || m_contentSize.isEmpty())
-        return;
-    const qreal margin = m_document->documentMargin();
-    for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next())
-        if (block.blockFormat().headingLevel() == 2) {
-            const qreal y = placeOf(block).bottom() + headingLineDistance;
-            m_lines.push_back(
-                {{margin, y, m_document->textWidth() - 2 * margin, NoteDocument::lineHeight}, headingLine});
-        }
-    for (QTextFrame* const frame : m_document->rootFrame()->childFrames())
-        if (auto* const table = qobject_cast<QTextTable*>(frame))
-            for (int row = 0; row < table->rows(); ++row)
-                if (const Line line = lineBelow(*table, row); !line.place.isEmpty())
-                    m_lines.push_back(line);
-}
-
-MarkdownWebView::Line MarkdownWebView::lineBelow(QTextTable& table, int row) const {
-    Line line;
-    qreal bottom = 0;
-    std::optional<qreal> right;
-    for (int column = 0; column < table.columns(); ++column) {
-        const QTextTableCell cell = table.cellAt(row, column);
-        const QTextTableCellFormat format = cell.format().toTableCellFormat();
-        const QRectF text = placeOf(cell);
-        if (!format.hasProperty(NoteDocument::lineColorProperty)) {
-            right = text.left() - format.leftPadding();
-            break;
-        }
-        line.color = format.colorProperty(NoteDocument::lineColorProperty);
-        bottom = std::max(bottom, text.bottom() + format.bottomPadding());
-        if (column == 0)
-            line.place.setLeft(text.left() - format.leftPadding());
-    }
-    line.place.setTop(bottom - NoteDocument::lineHeight);
-    line.place.setBottom(bottom);
-    // The engine tells a table's width, but not its place.
-    const qreal width = m_document->documentLayout()->frameBoundingRect(&table).width();
-    line.place.setRight(right.value_or(line.place.left() + width));
-    return line;
 }
 
 void MarkdownWebView::setZoom(qreal zoom) {
@@ -313,7 +216,7 @@ void MarkdownWebView::paint(QPainter* painter) {
         painter->fillRect(m_hoveredRow, hoveredGround);
     for (QTextBlock block = m_hoveredLink.isEmpty() ? QTextBlock{} : m_document->begin(); block.isValid();
          block = block.next()) {
-        for (const Link& link : linksOf(block)) {
+        for (const NoteLink& link : linksOf(block)) {
             if (link.address != m_hoveredLink)
                 continue;
             QAbstractTextDocumentLayout::Selection underlined{QTextCursor{m_document.get()}, {}};
@@ -324,7 +227,7 @@ void MarkdownWebView::paint(QPainter* painter) {
         }
     }
     layout.draw(painter, context);
-    for (const Line& line : m_lines)
+    for (const NoteLine& line : m_lines)
         if (line.place.intersects(context.clip))
             fillOnDevicePixels(*painter, line.place, line.color);
 }

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <QColor>
 #include <QPointF>
 #include <QQmlEngine>
 #include <QQuickPaintedItem>
@@ -14,8 +13,7 @@
 #include <vector>
 
 #include "NoteDocument.h"
-
-class QTextTable;
+#include "NotePlaces.h"
 
 namespace corvellan {
 
@@ -117,17 +115,10 @@ protected:
     void hoverLeaveEvent(QHoverEvent* event) override;
 
 private:
-    struct Line {
-        QRectF place;
-        QColor color;
-    };
-
     void loadHTML();
     void setDocument(std::shared_ptr<NoteDocument> document);
     void layOut();
     void findLinks();
-    void findLines();
-    [[nodiscard]] Line lineBelow(QTextTable& table, int row) const;
     void scrollTo(QPointF place);
     void scrollBy(qreal x, qreal y) { scrollTo(m_content + QPointF{x, y}); }
     void setSelection(const QTextCursor& selection);
@@ -148,8 +139,7 @@ private:
     QPointF m_content;
     qreal m_zoom = 1;
     QVariantList m_links;
-    /// Below headings and the rows of tables, on the page.
-    std::vector<Line> m_lines;
+    std::vector<NoteLine> m_lines;
     QTextCursor m_selection;
     QString m_hoveredLink;
     QRectF m_hoveredRow;

@@ -41,24 +41,6 @@ bool isMac() {
 
 }  // namespace
 
-QString PermissionRow::statusText() const {
-    switch (status.value_or(PermissionStatus::unknown)) {
-    case PermissionStatus::granted: return u"Granted"_s;
-    case PermissionStatus::denied: return detail + u" — not allowed"_s;
-    case PermissionStatus::unknown: return u"Not requested"_s;
-    }
-    Q_UNREACHABLE();
-}
-
-QString PermissionRow::statusColor() const {
-    switch (status.value_or(PermissionStatus::unknown)) {
-    case PermissionStatus::granted: return green.toString();
-    case PermissionStatus::denied: return red.toString();
-    case PermissionStatus::unknown: return gray.toString();
-    }
-    Q_UNREACHABLE();
-}
-
 SettingsView::SettingsView(SessionViewModel& session, Preferences& preferences, SettingsParts parts, QObject* parent)
     : QObject(parent),
       m_session(session),

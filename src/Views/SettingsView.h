@@ -10,6 +10,7 @@
 #include "Base/Tasks.h"
 #include "FixedRowsModel.h"
 #include "Models/Protocol.h"
+#include "PermissionRow.h"
 #include "Platform/GlobalKeys.h"
 #include "Platform/Notifications.h"
 #include "Platform/SpeechSynthesizer.h"
@@ -42,18 +43,6 @@ struct SettingsParts {
 
     /// The coach gets the active window; otherwise the whole screen is all that can be shared.
     bool sharesWindows = true;
-};
-
-/// A permission as the settings show it.
-struct PermissionRow {
-    QString label;
-    QString detail;
-    std::optional<PermissionStatus> status;
-
-    /// "Granted", "Not requested", or for a denied one its detail and " — not allowed".
-    [[nodiscard]] QString statusText() const;
-    /// "green", "gray" or "red".
-    [[nodiscard]] QString statusColor() const;
 };
 
 /// View state of the settings. Every change is stored and applied at once. Colours are told by name: "green",
