@@ -164,6 +164,11 @@ QRectF ScreenDriver::placeAfterLayout(QQuickItem* item) const {
     return item->mapRectToScene({0, 0, item->width(), item->height()});
 }
 
+void ScreenDriver::askForFrame(QQuickItem* item) const {
+    if (QQuickWindow* const window = item->window())
+        window->update();
+}
+
 bool ScreenDriver::isStealthOn() {
     return session().isStealthEnabled();
 }

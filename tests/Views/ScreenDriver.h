@@ -57,6 +57,8 @@ public:
 
     /// Lays everything out that waits for it, and draws. \return where `item` then lies in its window
     Q_INVOKABLE [[nodiscard]] QRectF placeAfterLayout(QQuickItem* item) const;
+    /// Has the window of `item` draw itself anew soon.
+    Q_INVOKABLE void askForFrame(QQuickItem* item) const;
 
     Q_INVOKABLE [[nodiscard]] bool isStealthOn();
     // How things stand in the settings. Empty texts mean none.

@@ -43,6 +43,12 @@ TestCase {
         return shownTextItems(item).map(text => text.text);
     }
 
+    /// One frame more, also where nothing has changed since the last. False when none came.
+    function draw(item) {
+        driver.askForFrame(item);
+        return waitForRendering(item);
+    }
+
     /// By mouse, once layout and animations leave it where it is. On a busy machine they may be far behind.
     function press(item) {
         let last = {};

@@ -48,7 +48,7 @@ ScreenCase {
         const screen = createTemporaryObject(content, testCase);
         verify(screen);
         screen.forceActiveFocus();
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 
@@ -111,7 +111,7 @@ ScreenCase {
         failOnWarning(/Polish loop/);
         homeDriver.setCalendarError("Failed to fetch meetings: Briefing API error (HTTP 503)");
         const screen = createTemporaryObject(content, testCase, { width: data.width });
-        waitForRendering(screen);
+        draw(screen);
         const card = control(screen, "calendarProblem");
         const error = control(screen, "calendarError");
         const retry = control(screen, "retry");
@@ -225,7 +225,7 @@ ScreenCase {
         if (data.tag === "button") {
             press(control(screen, "meetingHead1"));
             tryVerify(() => shows(screen, "startCall1"));
-            waitForRendering(screen);
+            draw(screen);
             press(control(screen, "startCall1"));
         } else if (data.tag === "quick") {
             press(control(screen, "quickCall1"));

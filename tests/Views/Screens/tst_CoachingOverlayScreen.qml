@@ -33,7 +33,7 @@ ScreenCase {
     function make() {
         const screen = createTemporaryObject(overlayScreen, testCase);
         verify(screen);
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 
@@ -147,7 +147,7 @@ ScreenCase {
         const screen = make();
         driver.setEvidence(0, "word ".repeat(100));
         const evidence = findChild(screen, "evidence0");
-        waitForRendering(screen);
+        draw(screen);
         compare(evidence.lineCount, 1);
         verify(evidence.truncated);
     }

@@ -44,7 +44,7 @@ ScreenCase {
 
     function make() {
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -158,7 +158,7 @@ ScreenCase {
         const window = make();
         for (const tab of driver.views.dashboard.visibleTabs) {
             driver.views.dashboard.selectTab(tab.name);
-            waitForRendering(window);
+            draw(window);
             compare(plainRectangles(control(window, "face")).length, 0, tab.name);
         }
     }
@@ -170,7 +170,7 @@ ScreenCase {
         const window = make();
         window.width = 520;
         window.height = 400;
-        waitForRendering(window);
+        draw(window);
         const list = control(window, "sidebarList");
         const last = control(window, "mode-3");
         last.forceActiveFocus(Qt.TabFocusReason);
@@ -216,7 +216,7 @@ ScreenCase {
         ready(window, "memory");
         driver.setNoteFile("North ".repeat(400));
         driver.views.dashboard.selectTab("memory");
-        waitForRendering(window);
+        draw(window);
         const counter = control(window, "memoryCounter");
         compare(counter.text, "2400/2000");
         verify(counter.contentWidth <= counter.width + 1);
@@ -279,7 +279,7 @@ ScreenCase {
         driver.views.dashboard.selectTab("home");
         ready(window, "guide");
         driver.views.dashboard.selectTab("guide");
-        waitForRendering(window);
+        draw(window);
         verify(driver.placeAfterLayout(title()).y >= 0);
     }
 

@@ -52,7 +52,7 @@ ScreenCase {
     function open() {
         const list = createTemporaryObject(content, testCase);
         tryVerify(() => list.height === list.greatestHeight);
-        waitForRendering(list);
+        draw(list);
         return list;
     }
 

@@ -28,7 +28,7 @@ ScreenCase {
         const window = createTemporaryObject(content, testCase);
         driver.views.dashboard.selectTab("guide");
         tryVerify(() => findChild(window, "guideArea") !== null);
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -38,7 +38,7 @@ ScreenCase {
 
     function test_theTabOpensIt(data) {
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         const tab = control(window, "tab-guide");
         compare(driver.spoken(tab).name, "Guide");
         compare(tab.symbol, "book");
@@ -146,7 +146,7 @@ ScreenCase {
         const window = open();
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         const area = control(window, "guideArea");
         const texts = shownTextItems(area);
         verify(texts.length > 80);

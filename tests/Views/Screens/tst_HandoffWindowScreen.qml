@@ -23,7 +23,7 @@ ScreenCase {
     function make() {
         const screen = createTemporaryObject(handoffScreen, testCase);
         verify(screen);
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 

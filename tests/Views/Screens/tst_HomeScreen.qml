@@ -29,7 +29,7 @@ ScreenCase {
         const screen = createTemporaryObject(content, testCase);
         verify(screen);
         screen.forceActiveFocus();
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 
@@ -51,7 +51,7 @@ ScreenCase {
         press(control(screen, "resultHead0"));
         homeDriver.settle();
         tryVerify(() => findChild(screen, "startCoaching") !== null);
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 
@@ -598,7 +598,7 @@ ScreenCase {
         homeDriver.addRecord("Nordwind", true, false);
         const screen = unfolded();
         screen.width = 380;
-        waitForRendering(screen);
+        draw(screen);
         const brief = control(screen, "brief");
         verify(brief.width <= 380 - 40);
         for (const name of ["resultHead0", "startCoaching", "lastSession", "meeting0"]) {
@@ -613,7 +613,7 @@ ScreenCase {
         homeDriver.addRecord("Nordwind", true, false);
         const screen = open();
         screen.height = 240;
-        waitForRendering(screen);
+        draw(screen);
         const card = control(screen, "lastSession");
         card.forceActiveFocus(Qt.TabFocusReason);
         tryVerify(() => {

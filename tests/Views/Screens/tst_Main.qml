@@ -41,7 +41,7 @@ ScreenCase {
     function make() {
         const screen = createTemporaryObject(mainContent, testCase);
         verify(screen);
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 

@@ -32,7 +32,7 @@ ScreenCase {
     function make(text) {
         const item = createTemporaryObject(markdownText, testCase, { text: text });
         verify(item);
-        waitForRendering(item);
+        draw(item);
         links.target = item;
         links.clear();
         return item;

@@ -28,7 +28,7 @@ ScreenCase {
         const window = createTemporaryObject(content, testCase);
         driver.views.dashboard.selectTab("memory");
         tryVerify(() => findChild(window, "memoryText") !== null);
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -40,7 +40,7 @@ ScreenCase {
 
     function test_theTabOpensIt(data) {
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         const tab = control(window, "tab-memory");
         compare(driver.spoken(tab).name, "Memory");
         compare(tab.symbol, "brain");
@@ -285,7 +285,7 @@ ScreenCase {
         const window = open();
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         const area = control(window, "memoryArea");
         for (const name of ["memoryTitle", "memoryExplanation", "memoryCounter"]) {
             const item = control(window, name);

@@ -27,7 +27,7 @@ ScreenCase {
 
     function make() {
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -38,7 +38,7 @@ ScreenCase {
             driver.views.onboarding.next();
         compare(driver.views.onboarding.step, step);
         driver.asked("");
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -327,7 +327,7 @@ ScreenCase {
         const window = openAt(data.step);
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         const area = control(window, "onboardingArea");
         for (const text of shownTextItems(area)) {
             verify(!text.truncated, text.text);
@@ -349,7 +349,7 @@ ScreenCase {
         const window = openAt(2);
         window.width = 520;
         window.height = 400;
-        waitForRendering(window);
+        draw(window);
         keyClick(Qt.Key_End);
         const heading = control(window, "onboardingTitle");
         const area = control(window, "onboardingArea");

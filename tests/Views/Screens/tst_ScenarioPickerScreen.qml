@@ -28,7 +28,7 @@ ScreenCase {
         const screen = createTemporaryObject(content, testCase);
         verify(screen);
         screen.forceActiveFocus();
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 

@@ -31,7 +31,7 @@ ScreenCase {
 
     function open() {
         const screen = createTemporaryObject(content, testCase);
-        waitForRendering(screen);
+        draw(screen);
         historyDriver.quieten();
         return screen;
     }
@@ -235,7 +235,7 @@ ScreenCase {
         const screen = open();
         screen.width = 347;
         screen.height = 400;
-        waitForRendering(screen);
+        draw(screen);
         for (const text of shownTextItems(screen)) {
             verify(!text.truncated, text.text);
             const left = text.mapToItem(screen, 0, 0).x;

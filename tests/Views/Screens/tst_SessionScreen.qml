@@ -38,7 +38,7 @@ ScreenCase {
     function make() {
         driver.goLive();
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         return window;
     }
 
@@ -74,7 +74,7 @@ ScreenCase {
             } else {
                 keyClick(Qt.Key_L, Qt.ControlModifier);
             }
-            waitForRendering(window);
+            draw(window);
         };
         verify(findChild(window, "transcriptPanel"));
         cycle();
@@ -109,7 +109,7 @@ ScreenCase {
     function test_theHeaderTellsCompanyAndTime() {
         driver.startCall("Nordwind Logistics");
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         compare(control(window, "sessionHeader").visible, true);
         compare(findChild(control(window, "sessionHeader"), "company").text, "Nordwind Logistics");
         compare(control(window, "timer").text, "0:00");
@@ -149,7 +149,7 @@ ScreenCase {
         const window = make();
         for (let i = 0; i < data.cycles; ++i)
             driver.views.live.cycleSessionTab();
-        waitForRendering(window);
+        draw(window);
         press(control(window, data.button));
         verify(driver.wasSessionEnded());
     }
@@ -182,7 +182,7 @@ ScreenCase {
         const window = make();
         for (let i = 0; i < data.cycles; ++i)
             driver.views.live.cycleSessionTab();
-        waitForRendering(window);
+        draw(window);
         overlayAlerts.target = control(window, "tipAlert");
         miniAlerts.target = control(window, "miniTipAlert");
         overlayAlerts.clear();
@@ -306,7 +306,7 @@ ScreenCase {
         tryVerify(() => glide.duration === 200);
         tryVerify(() => !glide.running && list.atYEnd);
         driver.setStreaming("");
-        waitForRendering(window);
+        draw(window);
         compare(glide.duration, 200, "an end of the stream scrolls nothing");
     }
 
@@ -343,7 +343,7 @@ ScreenCase {
         const window = make();
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         for (const name of ["stealthButton", "fontButton", "layoutButton", "handoffButton", "timer", "stopButton",
                             "muteButton"]) {
             const item = control(window, name);

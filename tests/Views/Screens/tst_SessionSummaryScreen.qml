@@ -32,12 +32,12 @@ ScreenCase {
     /// The summary of the newest record.
     function open() {
         const screen = createTemporaryObject(content, testCase);
-        waitForRendering(screen);
+        draw(screen);
         historyDriver.quieten();
         if (findChild(screen, "summaryForm") === null)
             historyDriver.history.open(0);
         tryVerify(() => findChild(screen, "summaryForm") !== null);
-        waitForRendering(screen);
+        draw(screen);
         return screen;
     }
 
@@ -52,7 +52,7 @@ ScreenCase {
                                              transcript: ["[Mic] Hello"] });
         const screen = open();
         screen.height = 1400;
-        waitForRendering(screen);
+        draw(screen);
         const titles = ["MEDDIC Score", "Session", "Key Points", "Feedback", "Transcript"];
         compare(shownTexts(screen).filter(text => titles.includes(text)), titles);
         compare(shownTexts(control(screen, "meddic")).slice(0, 2), ["MEDDIC Score", "4/6"]);
@@ -97,11 +97,11 @@ ScreenCase {
 
     function test_afterACallTheUserIsAskedAndTheAnswerStays(data) {
         const screen = createTemporaryObject(content, testCase);
-        waitForRendering(screen);
+        draw(screen);
         historyDriver.quieten();
         historyDriver.endCall("Nordwind");
         tryVerify(() => findChild(screen, "summaryForm") !== null);
-        waitForRendering(screen);
+        draw(screen);
         verify(shownTexts(control(screen, "feedback")).includes("How was this session?"));
         const note = control(screen, "feedbackNote");
         verify(control(note, "placeholder").visible);
@@ -231,7 +231,7 @@ ScreenCase {
         screen.width = 347;
         screen.height = 2000;
         pressNamed(screen, "share");
-        waitForRendering(screen);
+        draw(screen);
         for (const text of shownTextItems(screen)) {
             verify(!text.truncated, text.text);
             const left = text.mapToItem(screen, 0, 0).x;

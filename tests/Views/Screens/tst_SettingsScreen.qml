@@ -28,7 +28,7 @@ ScreenCase {
         const window = createTemporaryObject(content, testCase);
         driver.views.dashboard.selectTab("settings");
         tryVerify(() => findChild(window, "form") !== null);
-        waitForRendering(window);
+        draw(window);
         driver.asked("");
         return window;
     }
@@ -48,7 +48,7 @@ ScreenCase {
 
     function test_settingsOpenAndClose(data) {
         const window = createTemporaryObject(content, testCase);
-        waitForRendering(window);
+        draw(window);
         const tab = control(window, "tab-settings");
         compare(driver.spoken(tab).name, "Settings");
         if (data.tag === "mouse") {
@@ -142,14 +142,14 @@ ScreenCase {
         driver.views.settings.serverModeIndex = 0;
         compare(control(window, "accountRow").label, "Not signed in");
         compare(control(window, "accountRow").labelColorName, "orange");
-        verify(waitForRendering(window));
+        verify(draw(window));
         pressNamed(window, "login");
         compare(driver.asked("auth.login"), 1);
         driver.setUser("ada@teskara.test");
         compare(control(window, "accountRow").label, "Signed in");
         compare(control(window, "account").text, "ada@teskara.test");
         verify(!control(window, "login").visible);
-        verify(waitForRendering(window));
+        verify(draw(window));
         pressNamed(window, "logout");
         compare(driver.asked("auth.logout"), 1);
     }
@@ -484,7 +484,7 @@ ScreenCase {
         const window = open();
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         const form = control(window, "form");
         const order = ["serverMode", "customServerURL", "logout", "launchAtLogin", "fontSize", "shareScreen",
                        "installSensor", "autoStart", "checkStatus", "meetingReminders", "testNotification",
@@ -549,7 +549,7 @@ ScreenCase {
         const window = open();
         window.width = data.width;
         window.height = data.height;
-        waitForRendering(window);
+        draw(window);
         tryCompare(control(window, "permissionStatus1"), "text", "Customer voice (Zoom/Meet) — not allowed");
         const form = control(window, "form");
         const texts = [];

@@ -61,7 +61,7 @@ ScreenCase {
     function make(component, properties) {
         const item = createTemporaryObject(component, testCase, properties ?? {});
         verify(item);
-        waitForRendering(item);
+        draw(item);
         return item;
     }
 
