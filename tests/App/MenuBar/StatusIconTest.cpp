@@ -19,7 +19,7 @@ double luminance(QColor color) {
 
 /// As accessibility guidelines measure it: 1 is none, and graphics need 3.
 double contrast(QColor one, QColor other) {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
