@@ -27,6 +27,8 @@ protected:
                                         .summary = u"Quarterly <talk>"_s,
                                         .start = iso8601(clock.wallNow() + 170s),
                                         .matchedCompany = ResolvedCompany{.name = u"Acme"_s}}});
+        // A window that goes and comes back before the window manager has shown it stays away for good.
+        ASSERT_TRUE(spinUntil([this] { return panel().isExposed(); }));
         panel().close();
         settleAfter(clock, 60s);
         ASSERT_TRUE(spinUntil([this] { return !service.notified.empty(); }));
