@@ -10,6 +10,8 @@ ListView {
     required property Theme theme
     property real greatestHeight: 320
     readonly property bool isOverflowing: contentHeight > height + 0.5
+    /// The list itself, not a row of it.
+    readonly property bool hasKeyboard: Window.activeFocusItem === root
 
     // A list of no height makes no row to have a height.
     implicitHeight: count === 0 ? 0 : Math.min(contentHeight > 0 ? contentHeight : 40, greatestHeight)
@@ -18,7 +20,8 @@ ListView {
     // Rows beyond the edge would be made later, bit by bit; one that is due when its company folds is asked for in vain.
     cacheBuffer: 0
     boundsBehavior: Flickable.StopAtBounds
-    activeFocusOnTab: isOverflowing
+    // Rows may go while it has the keyboard, which it keeps then.
+    activeFocusOnTab: isOverflowing || hasKeyboard
     // The keyboard is on the list, not on a row.
     currentIndex: -1
     spacing: 8
@@ -61,7 +64,6 @@ ListView {
         color: "transparent"
         borderWidth: 2
         borderColor: root.theme.focusRing
-        // Not round a row that has the keyboard.
-        visible: root.activeFocus && root.activeFocusOnTab
+        visible: root.hasKeyboard
     }
 }

@@ -63,6 +63,7 @@ ScreenCase {
                 { tag: "emptied", shown: 1, left: 0 },
                 { tag: "shortened", shown: 1, left: 3 },
                 { tag: "shortened at its end", shown: 2, left: 3 },
+                { tag: "shortened in view", shown: 2, left: 3, isInView: true },
                 { tag: "gone", shown: 2, left: 400 }];
     }
 
@@ -76,6 +77,8 @@ ScreenCase {
         }
         while (rows.count > data.left)
             rows.remove(rows.count - 1);
+        if (data.isInView)
+            draw(list);
         list.visible = false;
         wait(0);
         list.visible = true;
