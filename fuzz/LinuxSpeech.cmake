@@ -1,2 +1,3 @@
+corvellan_fuzz(DaemonVoices LINK Corvellan::LinuxSpeech)
 corvellan_fuzz(EspeakVoices LINK Corvellan::LinuxSpeech)
 corvellan_fuzz(SpokenSound LINK Corvellan::LinuxSpeech)

@@ -12,7 +12,7 @@ namespace corvellan {
 
 namespace {
 
-/// Thirteen thousand voices take the library two seconds, and longer on a busy computer.
+/// Thirteen thousand voices take the daemon half a second, and longer on a busy computer.
 constexpr auto readingLimit = 12s;
 /// How often it is looked whether the daemon is there still, while something is to be heard.
 constexpr auto watchInterval = 250ms;
@@ -26,10 +26,10 @@ constexpr auto answerLimit = 5s;
 /// While it lives a daemon that does not answer in time is hung up on, so that the call that waits for it returns.
 class AnswerLimit {
 public:
-    AnswerLimit(Clock& clock, SpeechDaemon& daemon)
+    AnswerLimit(Clock& clock, SpeechDaemon& daemon, std::chrono::seconds limit = answerLimit)
         : m_clock(clock),
           m_call(std::make_shared<Call>(&daemon)),
-          m_timer(clock.callAt(clock.now() + answerLimit, [call = m_call] { call->hangUp(); })) {}
+          m_timer(clock.callAt(clock.now() + limit, [call = m_call] { call->hangUp(); })) {}
     ~AnswerLimit() {
         m_clock.cancel(m_timer);
         m_call->end();
@@ -71,11 +71,6 @@ DispatcherSynthesizer::DispatcherSynthesizer(Clock& clock, OwnSpeech& ownSpeech,
       m_ownSpeech(ownSpeech),
       m_onFailure(std::move(onFailure)),
       m_start(start) {
-    m_readingLimit.setSingleShot(true);
-    QObject::connect(&m_readingLimit, &QTimer::timeout, &m_readingLimit, [this] {
-        if (m_isReading)
-            hangUp();
-    });
     m_thread.executor().post([this] {
         // A daemon that dies is told by what the calls return.
         sigset_t pipe;
@@ -89,7 +84,11 @@ DispatcherSynthesizer::DispatcherSynthesizer(Clock& clock, OwnSpeech& ownSpeech,
 }
 
 DispatcherSynthesizer::~DispatcherSynthesizer() {
-    hangUp();
+    {
+        const std::scoped_lock lock{m_daemonMutex};
+        if (m_daemon)
+            m_daemon->hangUp();
+    }
     runAndWait(m_thread.executor(), [this] {
         m_watch.reset();
         m_onUtteranceEnded = nullptr;
@@ -98,21 +97,12 @@ DispatcherSynthesizer::~DispatcherSynthesizer() {
     });
 }
 
-void DispatcherSynthesizer::hangUp() {
-    const std::scoped_lock lock{m_daemonMutex};
-    if (m_daemon)
-        m_daemon->hangUp();
-}
-
 // What is asked for.
 
 void DispatcherSynthesizer::readVoices(std::function<void(Voices)> onRead) {
-    m_isReading = true;
-    m_readingLimit.start(readingLimit);
     m_thread.executor().post([this, onRead = std::move(onRead)] {
         if (!m_voices)
             m_voices = readVoicesNow();
-        m_isReading = false;
         onRead(*m_voices);
     });
 }
@@ -151,7 +141,10 @@ SpeechSynthesizer::Voices DispatcherSynthesizer::readVoicesNow() {
     Voices voices;
     if (!m_daemon && !open())
         return voices;
-    voices.all = m_daemon->englishVoices();
+    {
+        const AnswerLimit limit{m_clock, *m_daemon, readingLimit};
+        voices.all = m_daemon->englishVoices();
+    }
     if (!voices.all.empty()) {
         voices.americanEnglish = SpeechVoice{.language = QStringLiteral("en-US")};
         voices.engine = QStringLiteral("Speech Dispatcher");

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -50,15 +49,13 @@ private:
     void endAll();
     void expect(const Message& message);
 
-    void hangUp();
-
     Clock& m_clock;
     OwnSpeech& m_ownSpeech;
     const OnSpeechFailure m_onFailure;
     const SpeechDaemon::Start m_start;
     std::function<void()> m_onUtteranceEnded;
 
-    /// Held while the connection changes, and by who hangs up from outside.
+    /// Held while the connection changes, and by who hangs up at the end.
     std::mutex m_daemonMutex;
     std::unique_ptr<SpeechDaemon> m_daemon;
     std::optional<Voices> m_voices;
@@ -67,9 +64,6 @@ private:
     MonotonicTime m_deadline{};
     std::unique_ptr<QTimer> m_watch;
 
-    /// On the main thread: whoever waits for a daemon that hangs can't look at a clock.
-    QTimer m_readingLimit;
-    std::atomic<bool> m_isReading = false;
     WorkerThread m_thread{"corvellan-voice"};
 };
 

@@ -6,7 +6,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -15,9 +14,7 @@
 #include <mutex>
 #include <string_view>
 
-#include "EspeakVoices.h"
-
-using namespace Qt::StringLiterals;
+#include "DaemonVoices.h"
 
 namespace corvellan {
 
@@ -94,10 +91,6 @@ Presence presenceAt(const char* path) {
     return presence;
 }
 
-QString decoded(const char* text) {
-    return text ? QString::fromUtf8(text) : QString{};
-}
-
 }  // namespace
 
 struct SpeechDaemon::Connection {
@@ -108,12 +101,6 @@ struct SpeechDaemon::Connection {
 
     SPDConnection* library;
 };
-
-bool isRecordedModule(const QString& module) {
-    constexpr std::array recorded{"mbrola"_L1, "piper"_L1, "mimic3"_L1, "rhvoice"_L1};
-    return std::ranges::any_of(recorded,
-                               [&](QLatin1StringView part) { return module.contains(part, Qt::CaseInsensitive); });
-}
 
 std::unique_ptr<SpeechDaemon> SpeechDaemon::open(Start start, OnEvent onEvent) {
     char* error = nullptr;
@@ -153,26 +140,21 @@ SpeechDaemon::~SpeechDaemon() {
 }
 
 std::vector<SpeechVoice> SpeechDaemon::englishVoices() {
-    char* const name = spd_get_output_module(m_connection->library);
-    const QString module = decoded(name);
-    std::free(name);
-    // It says only that nothing speaks.
-    if (module == u"dummy")
+    const QByteArray module = ask("GET OUTPUT_MODULE");
+    const auto named = answerLines(module);
+    // "dummy" says only that nothing speaks.
+    if (!named || named->empty() || named->front() == "dummy")
         return {};
-    SPDVoice** const list = spd_list_synthesis_voices(m_connection->library);
-    if (!list)
-        return {};
-    const auto quality = isRecordedModule(module) ? VoiceQuality::enhanced : VoiceQuality::standard;
-    std::vector<SpeechVoice> voices;
-    for (SPDVoice** voice = list; *voice; ++voice) {
-        const QString language = languageTag(decoded((*voice)->language));
-        const QString variant = decoded((*voice)->variant);
-        // Hundreds of variants sound like one voice with a cold.
-        if (language.startsWith(u"en") && (variant.isEmpty() || variant == u"none"))
-            voices.push_back({.language = language, .quality = quality, .name = decoded((*voice)->name)});
-    }
-    free_spd_voices(list);
-    return voices;
+    return parseDaemonVoices(ask("LIST SYNTHESIS_VOICES"), named->front());
+}
+
+/// The library's own readers of lists end the program when the daemon is lost in between, and take a second longer
+/// for the thirteen thousand voices of espeak-ng.
+QByteArray SpeechDaemon::ask(const char* question) {
+    char* answer = nullptr;
+    spd_execute_command_with_reply(m_connection->library, question, &answer);
+    const std::unique_ptr<char, decltype(&std::free)> owner{answer, &std::free};
+    return QByteArray{answer};
 }
 
 std::optional<std::size_t> SpeechDaemon::say(const SpeechUtterance& utterance) {

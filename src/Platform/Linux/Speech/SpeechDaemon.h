@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <QString>
+#include <QByteArray>
 #include <vector>
 
 #include "Platform/SpeechSynthesizer.h"
@@ -25,10 +25,8 @@ public:
     SpeechDaemon(const SpeechDaemon&) = delete;
     SpeechDaemon& operator=(const SpeechDaemon&) = delete;
 
-    /// Those of the user's own output module that speak English, in its order; nothing when it has none.
-    ///
-    /// No module tells how good its voices are. Those that are made from recordings of a person (MBROLA, and
-    /// the neural and statistical ones) are enhanced; the others are standard, and none is premium.
+    /// Those of the user's own output module that speak English, as `parseDaemonVoices` reads them; nothing when it
+    /// has none, and when the daemon is lost.
     [[nodiscard]] std::vector<SpeechVoice> englishVoices();
 
     /// The message's number; empty when the daemon is lost.
@@ -46,12 +44,12 @@ private:
 
     SpeechDaemon(std::unique_ptr<Connection> connection, OnEvent onEvent);
 
+    /// The whole answer, empty when the daemon is lost.
+    [[nodiscard]] QByteArray ask(const char* question);
+
     std::unique_ptr<Connection> m_connection;
     std::size_t m_client = 0;
     std::optional<SpeechVoice> m_voice;
 };
-
-/// Voices of this output module are made from recordings of a person.
-[[nodiscard]] bool isRecordedModule(const QString& module);
 
 }  // namespace corvellan

@@ -206,6 +206,30 @@ TEST_F(DispatcherSynthesizerTest, aDaemonThatNoLongerAnswersIsGivenUpInItsTime) 
     EXPECT_FALSE(ownSpeech.isAudible(hands.now() + 1s));
 }
 
+TEST_F(DispatcherSynthesizerTest, aDaemonThatNeverTellsItsVoicesIsGivenUpInItsTime) {
+    PrivatePulse pulse;
+    PrivateSpeechDaemon daemon;
+    WatchedClock hands;
+    std::atomic<bool> isRead = false;
+    SpeechSynthesizer::Voices voices;
+    const auto synthesizer = make(hands);
+    synthesizer->setOnUtteranceEnded([this] { ++ended; });
+    synthesizer->speak(utterance(u"Hello."_s));
+    ASSERT_TRUE(spinUntil([&] { return ended == 1; }));
+    daemon.freeze();
+    synthesizer->readVoices([&](SpeechSynthesizer::Voices read) {
+        voices = std::move(read);
+        isRead = true;
+    });
+    ASSERT_TRUE(spinUntil([&] { return hands.nextDeadline().has_value(); })) << "it is waited for";
+    hands.advance(11s);
+    EXPECT_FALSE(isRead);
+    hands.advance(1s);
+    ASSERT_TRUE(spinUntil([&] { return isRead.load(); }));
+    EXPECT_TRUE(voices.all.empty());
+    EXPECT_TRUE(voices.engine.isEmpty());
+}
+
 TEST_F(DispatcherSynthesizerTest, theDesktopsVoiceIsTheDaemonsWhereThereIsOne) {
     PrivatePulse pulse;
     PrivateSpeechDaemon daemon;
