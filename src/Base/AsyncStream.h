@@ -70,9 +70,23 @@ struct StreamState {
         wakeReader();
     }
 
+    [[nodiscard]] bool hasNews() const {
+        return pushed.load(std::memory_order_seq_cst) || abandoned.load(std::memory_order_seq_cst);
+    }
+
+    /// A producer may get here so late that what it pushed has been read already and the reader sleeps anew, for
+    /// what comes next. Woken for nothing, the reader would take the stream for ended.
     void wakeReader() {
-        if (StreamWaiter* const sleeper = waiter.exchange(nullptr, std::memory_order_seq_cst))
-            sleeper->wake();
+        while (StreamWaiter* const sleeper = waiter.exchange(nullptr, std::memory_order_seq_cst)) {
+            if (hasNews()) {
+                sleeper->wake();
+                return;
+            }
+            waiter.store(sleeper, std::memory_order_seq_cst);
+            // Who brought something in the meantime has found nobody to wake.
+            if (!hasNews())
+                return;
+        }
     }
 
     /// Moves what was pushed over to `ready`. True when there is something to read.
@@ -215,7 +229,7 @@ private:
             Q_ASSERT(m_waiter.executor);
             state.waiter.store(&m_waiter, std::memory_order_seq_cst);
             // Something may have come between the look and the lying down.
-            if (state.pushed.load(std::memory_order_seq_cst) || state.abandoned.load(std::memory_order_seq_cst))
+            if (state.hasNews())
                 return !takeBack();
             m_onStop.emplace(m_stop, Abandon{&state});
             return true;

@@ -147,6 +147,21 @@ TEST(AsyncStreamTest, losesNothingBetweenThreads) {
     }
 }
 
+TEST(AsyncStreamTest, aProducerThatComesLateDoesNotWakeForWhatWasRead) {
+    corvellan::detail::StreamState<int> state;
+    corvellan::detail::StreamWaiter sleeper{.executor = &mainExecutor(), .handle = std::noop_coroutine()};
+    state.push(new corvellan::detail::StreamState<int>::Node{.value = 1, .error = std::nullopt, .next = nullptr});
+    ASSERT_TRUE(state.fill());
+    state.waiter = &sleeper;
+    // The push of above, had it been held up before its last step.
+    state.wakeReader();
+    EXPECT_EQ(state.waiter.load(), &sleeper);
+
+    state.push(new corvellan::detail::StreamState<int>::Node{.value = 2, .error = std::nullopt, .next = nullptr});
+    EXPECT_EQ(state.waiter.load(), nullptr);
+    settle();
+}
+
 TEST(AsyncStreamTest, pingPongBetweenThreadsNeverLosesAWakeUp) {
     constexpr int rounds = 5'000;
     WorkerThread worker{"test"};
