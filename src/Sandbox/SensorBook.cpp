@@ -68,7 +68,8 @@ std::expected<SensorReport, QString> SensorReport::decode(const QJsonObject& jso
         const auto value = json.value(key);
         if (value.isUndefined() || value.isNull())
             continue;
-        const QString found = value.toString();
+        // Qt's JSON keeps a byte-order mark before a text in one of its forms and loses it in another.
+        const QString found = value.toString().remove(QChar::ByteOrderMark);
         if (found.trimmed().isEmpty() || found.size() > longestText)
             return std::unexpected(u"%1 is a text of 1 to %2 characters"_s.arg(key).arg(longestText));
         report.*member = found;

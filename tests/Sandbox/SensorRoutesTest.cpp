@@ -61,6 +61,12 @@ TEST_F(SensorRoutesTest, aContextIsNoCall) {
                                                    {u"call_active"_s, true}}));
 }
 
+TEST_F(SensorRoutesTest, aByteOrderMarkIsNoPartOfAName) {
+    report(R"({"event":"context","company_name":"\uFEFFNorthwind"})");
+    EXPECT_EQ(status()[u"context"_s][u"company_name"_s], u"Northwind"_s);
+    EXPECT_EQ(status()[u"context"_s][u"entity_id"_s], u"55310021"_s);
+}
+
 TEST_F(SensorRoutesTest, anEndWithoutAStartHasNoDuration) {
     WireClient listener{coachUrl()};
     ASSERT_TRUE(spinUntil([&] { return logs(u"#1 connected"_s); }));
