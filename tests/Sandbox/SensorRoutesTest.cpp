@@ -1,3 +1,6 @@
+#include <QJsonDocument>
+
+#include "Sandbox/SensorBook.h"
 #include "SignedInFixture.h"
 
 namespace corvellan::test {
@@ -62,9 +65,10 @@ TEST_F(SensorRoutesTest, aContextIsNoCall) {
 }
 
 TEST_F(SensorRoutesTest, aByteOrderMarkIsNoPartOfAName) {
-    report(R"({"event":"context","company_name":"\uFEFFNorthwind"})");
-    EXPECT_EQ(status()[u"context"_s][u"company_name"_s], u"Northwind"_s);
-    EXPECT_EQ(status()[u"context"_s][u"entity_id"_s], u"55310021"_s);
+    const auto told = QJsonDocument::fromJson(R"({"event":"context","company_name":"\uFEFFNorthwind"})");
+    const auto decoded = sandbox::SensorReport::decode(told.object());
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->companyName, u"Northwind"_s);
 }
 
 TEST_F(SensorRoutesTest, anEndWithoutAStartHasNoDuration) {
