@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Utf8.h"
+#include "Base/Utf8.h"
 
 using namespace Qt::StringLiterals;
 

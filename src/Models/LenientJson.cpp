@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "Base/Text.h"
-#include "Utf8.h"
+#include "Base/Utf8.h"
 
 namespace corvellan {
 

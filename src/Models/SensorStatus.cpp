@@ -2,8 +2,8 @@
 
 #include <boost/json/object.hpp>
 
+#include "Base/Utf8.h"
 #include "JsonParsing.h"
-#include "Utf8.h"
 #include "WireKeys.h"
 
 using namespace Qt::StringLiterals;

@@ -10,7 +10,7 @@
 #include <QFileInfo>
 #include <QHash>
 
-#include "Models/Utf8.h"
+#include "Base/Utf8.h"
 #include "SessionSchema.h"
 
 using namespace Qt::StringLiterals;

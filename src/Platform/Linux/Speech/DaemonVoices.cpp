@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "Base/Utf8.h"
 #include "EspeakVoices.h"
 
 namespace corvellan {
@@ -53,9 +54,8 @@ std::vector<SpeechVoice> parseDaemonVoices(QByteArrayView answer, QByteArrayView
         const auto language = takeUntil('\t', line);
         // Hundreds of variants sound like one voice with a cold.
         if (!name.isEmpty() && language.startsWith("en") && (line.isEmpty() || line == "none"))
-            voices.push_back({.language = languageTag(QString::fromUtf8(language)),
-                              .quality = quality,
-                              .name = QString::fromUtf8(name)});
+            voices.push_back(
+                {.language = languageTag(QString::fromUtf8(language)), .quality = quality, .name = textFromUtf8(name)});
     }
     return voices;
 }

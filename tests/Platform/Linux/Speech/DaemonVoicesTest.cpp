@@ -49,6 +49,11 @@ TEST(DaemonVoicesTest, linesOfAnotherShapeAreLeftOut) {
     EXPECT_EQ(parseDaemonVoices("249-Kal\ten\r\n249 OK\r\n", "flite").size(), 1U);
 }
 
+TEST(DaemonVoicesTest, aByteOrderMarkIsAName) {
+    EXPECT_EQ(parseDaemonVoices("249-\xEF\xBB\xBF\ten\r\n249 OK\r\n", "flite").at(0).name,
+              QString{QChar::ByteOrderMark});
+}
+
 TEST(DaemonVoicesTest, aListThatBreaksOffHasNone) {
     EXPECT_TRUE(parseDaemonVoices(listing.first(listing.size() - 3), "espeak-ng").empty());
 }
